@@ -1,0 +1,34 @@
+#include <android_runtime/AndroidRuntime.h>
+
+#include "config/config_reader.h"
+#include "jni/native_methods.h"
+
+namespace android {
+namespace {
+
+constexpr char kConfigPath[] = "/system/etc/jpsp";
+
+// The configuration text as a new local reference; null when the reader refuses, or with the
+// virtual machine's exception pending when there is no memory for the string.
+jstring getConfigXML(JNIEnv* env, jobject) {
+    const ConfigText config = readConfig(kConfigPath);
+    if (config.text == nullptr) return nullptr;
+    jstring xml = env->NewStringUTF(config.text);
+    releaseConfig(config);
+    return xml;
+}
+
+// The casts: OpenJDK's record points to plain characters where Android's points to const ones;
+// nobody writes them.
+const JNINativeMethod kMethods[] = {
+    {const_cast<char*>("nativeGetConfigXML"), const_cast<char*>("()Ljava/lang/String;"),
+     reinterpret_cast<void*>(getConfigXML)},
+};
+
+}  // namespace
+
+int register_android_util_ZorenConfig(JNIEnv* env) {
+    return AndroidRuntime::registerNativeMethods(env, "android/util/ZorenConfig", kMethods, 1);
+}
+
+}  // namespace android
