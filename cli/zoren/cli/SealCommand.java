@@ -1,0 +1,91 @@
+package zoren.cli;
+
+import java.io.IOException;
+import java.nio.ByteBuffer;
+import java.nio.charset.CharacterCodingException;
+import java.nio.charset.Charset;
+import java.nio.charset.StandardCharsets;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.security.GeneralSecurityException;
+import java.util.concurrent.Callable;
+import javax.crypto.Cipher;
+import javax.crypto.spec.IvParameterSpec;
+import javax.crypto.spec.SecretKeySpec;
+import picocli.CommandLine.Command;
+import picocli.CommandLine.Parameters;
+
+@Command(
+        name = "seal",
+        header = "Encrypt a text as a configuration file.",
+        description = {
+            "",
+            "\"zoren config\" gives the text back unchanged. It must be UTF-8 without a zero byte,"
+                    + " and the sealed file at most 16 MiB. An empty text is sealed too.",
+            ""
+        },
+        footer = {
+            "",
+            "Example:",
+            "  zoren seal config.xml phone/system/etc/jpsp",
+            "  zoren config --device-root phone"
+        })
+final class SealCommand implements Callable<Integer> {
+    // The reader's built-in key, which is its initialisation vector as well.
+    private static final String KEY = "Qx7@Lumatrix2049";
+    private static final int MAX_SEALED_BYTES = 16 << 20;
+    // Strings come from native code in modified UTF-8: a character beyond U+FFFF is a pair of
+    // surrogates of three bytes each. Without zero characters that is CESU-8.
+    private static final Charset MODIFIED_UTF_8 = Charset.forName("CESU-8");
+
+    @Parameters(index = "0", paramLabel = "XML", description = "The text to encrypt.")
+    private Path input;
+
+    @Parameters(index = "1", paramLabel = "OUTPUT", description = "The file to write.")
+    private Path output;
+
+    @Override
+    public Integer call() throws Failure {
+        final String text = read();
+        if (text.indexOf('\0') >= 0) {
+            throw new Failure(input, "holds a zero byte, at which the configuration would end");
+        }
+        final byte[] sealed = encrypt(text.getBytes(MODIFIED_UTF_8));
+        if (sealed.length > MAX_SEALED_BYTES) {
+            throw new Failure(input, "is too large: sealed it would exceed 16 MiB");
+        }
+        WholeFile.write(output, out -> out.write(sealed));
+        return 0;
+    }
+
+    private String read() throws Failure {
+        try {
+            if (Files.exists(output) && Files.isSameFile(input, output)) {
+                throw new Failure(output, "is the text itself; name another file");
+            }
+            if (Files.size(input) > MAX_SEALED_BYTES) {
+                throw new Failure(input, "is too large: sealed it would exceed 16 MiB");
+            }
+            return StandardCharsets.UTF_8
+                    .newDecoder()
+                    .decode(ByteBuffer.wrap(Files.readAllBytes(input)))
+                    .toString();
+        } catch (CharacterCodingException e) {
+            throw new Failure(input, "is not UTF-8");
+        } catch (IOException e) {
+            throw new Failure(input, e);
+        }
+    }
+
+    private static byte[] encrypt(byte[] text) {
+        final byte[] key = KEY.getBytes(StandardCharsets.US_ASCII);
+        try {
+            final Cipher cipher = Cipher.getInstance("AES/CBC/PKCS5Padding"); // PKCS#7 for AES
+            cipher.init(
+                    Cipher.ENCRYPT_MODE, new SecretKeySpec(key, "AES"), new IvParameterSpec(key));
+            return cipher.doFinal(text);
+        } catch (GeneralSecurityException e) {
+            throw new IllegalStateException(e); // every Java platform has this cipher
+        }
+    }
+}
