@@ -1,0 +1,54 @@
+# Sourced by the other scripts: what they need from Debian, and how it is installed and built.
+
+run_packages=(cmake ninja-build clang libssl-dev openjdk-17-jdk-headless
+    libpicocli-java libjackson2-core-java libmetadata-extractor-java libxmpcore-java)
+test_packages=(libgtest-dev libclang-rt-14-dev junit5)
+arm64_packages=(qemu-user-static g++-aarch64-linux-gnu
+    libssl-dev:arm64 libgtest-dev:arm64 openjdk-17-jre-headless:arm64)
+
+# Runs a command as root: directly, or through sudo for a plain user.
+as_root() {
+    if [ "$(id -u)" -eq 0 ]; then
+        "$@"
+    elif command -v sudo >/dev/null; then
+        sudo "$@"
+    else
+        echo "Packages are missing and neither root nor sudo is at hand. As root: $*" >&2
+        return 1
+    fi
+}
+
+# Installs the given packages that are missing; silent when none is.
+install_missing() {
+    local missing=() package native
+    native=$(dpkg --print-architecture)
+    for package in "$@"; do
+        # One line an architecture that the package is known for.
+        dpkg-query -W -f='${Architecture} ${db:Status-Status}\n' "${package%:*}" 2>/dev/null |
+            case $package in
+                *:*) grep -qx "${package#*:} installed" ;;
+                *) grep -qxE "($native|all) installed" ;;
+            esac || missing+=("$package")
+    done
+    [ ${#missing[@]} -gt 0 ] || return 0
+    echo "Installing ${missing[*]} ..."
+    quietly as_root apt-get update
+    quietly as_root env DEBIAN_FRONTEND=noninteractive \
+        apt-get install -y --no-install-recommends "${missing[@]}"
+}
+
+# Runs a command and shows what it printed only when it fails.
+quietly() {
+    local log status
+    log=$(mktemp)
+    if "$@" >"$log" 2>&1; then status=0; else status=$?; cat "$log" >&2; fi
+    rm -f "$log"
+    return "$status"
+}
+
+# Configures and builds one preset in $root; silent but for warnings and, when there is something
+# to do, one line.
+build() {
+    [ -f "$root/build/$1/build.ninja" ] || echo "Building build/$1 ..."
+    (cd "$root" && quietly cmake --preset "$1" && quietly cmake --build --preset "$1")
+}
