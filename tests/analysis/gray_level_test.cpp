@@ -1,0 +1,54 @@
+#include "analysis/gray_level.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/reference/reference.h"
+#include "tests/support/images.h"
+
+namespace {
+
+using android::RGB2Gray;
+
+TEST(GrayLevel, IsThisForUniformImages) {
+    struct Row {
+        int32_t width, height;
+        uint32_t pixel /* 0xAABBGGRR */;
+        int32_t gray;
+    };
+    const Row rows[] = {
+        {2, 2, 0xFFFFFFFF, 255}, {2, 2, 0xFF000000, 0},         {2, 2, 0xFF0000FF, 76},
+        {2, 2, 0xFF00FF00, 149}, {2, 2, 0xFFFF0000, 29},        {2, 2, 0xFFC89664, 140},  // 140.75
+        {2, 2, 0x00C89664, 140}, {2, 2, 0xFF252525, 36},         // 36.999996 in single precision
+        {2, 2, 0xFF808080, 128}, {1000, 1000, 0xFFFFFFFF, 255},  // sums beyond 24 bits
+        {1, 50, 0xFFFFFFFF, -1}, {50, 1, 0xFFFFFFFF, -1},       {0, 0, 0, -1},
+    };
+    for (const Row& row : rows) {
+        const Image image(row.width, row.height, row.pixel);
+        EXPECT_EQ(RGB2Gray(&image), row.gray)
+            << row.width << " x " << row.height << " of " << std::hex << row.pixel;
+    }
+}
+
+TEST(GrayLevel, EqualsReference) {
+    std::mt19937 random(37);
+    for (int32_t width = 2; width <= 130; ++width) {
+        const Image image = Image::random(width, 3, random);
+        EXPECT_EQ(RGB2Gray(&image), reference::RGB2Gray(image)) << "width " << width;
+    }
+    // A last pixel that moves the mean by several levels, so that losing it shows.
+    for (int32_t height = 2; height <= 40; ++height) {
+        Image image(3, height, 0);
+        image.storage.end()[-1] = 0xFFFFFFFF;
+        EXPECT_EQ(RGB2Gray(&image), 255 / (3 * height)) << "height " << height;
+    }
+    for (uint32_t gray = 0; gray < 256; ++gray) {  // each meets the truncation in its own way
+        const Image image(2, 3, gray * 0x010101);
+        EXPECT_EQ(RGB2Gray(&image), reference::RGB2Gray(image)) << "gray " << gray;
+    }
+    for (int i = 0; i < 20; ++i) {
+        const Image image = Image::random(601, 301 + i, random);
+        EXPECT_EQ(RGB2Gray(&image), reference::RGB2Gray(image)) << "height " << 301 + i;
+    }
+}
+
+}  // namespace

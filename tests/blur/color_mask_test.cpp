@@ -1,0 +1,60 @@
+#include "blur/color_mask.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/reference/reference.h"
+#include "tests/support/images.h"
+
+namespace {
+
+using android::addMask;
+
+TEST(ColorMask, GivesThisPixel) {
+    struct Row {
+        uint32_t color /* 0xAARRGGBB */, before, after /* 0xAABBGGRR */;
+    };
+    const Row rows[] = {
+        {0x80FF0000, 0xFFFF0000, 0xFF7E007F},  // red goes to the lowest byte
+        {0x80FF0000, 0x00000000, 0xFF00007F},  // alpha does not weigh in
+        {0x800000FF, 0x00000000, 0xFF7F0000},
+        {0x8000FF00, 0x00000000, 0xFF007F00},
+        {0xFF000000, 0x12345678, 0xFF000000},
+        {0xFFFFFFFF, 0x12345678, 0xFFFEFEFE},  // divided by 256, not 255
+        {0x00FFFFFF, 0x110001C8, 0xFF0000C7},
+        {0x01FFFFFF, 0x00FFFFFF, 0xFFFEFEFE},
+    };
+    for (const Row& row : rows) {
+        Image image(2, 2, row.before);
+        addMask(&image, row.color);
+        EXPECT_EQ(image.words(), std::vector<uint32_t>(4, row.after)) << std::hex << row.color;
+    }
+}
+
+TEST(ColorMask, LeavesNarrowAndLowUntouched) {
+    for (const auto& [width, height] : {std::pair{1, 40}, {40, 1}, {1, 1}, {0, 5}}) {
+        Image image(width, height, 0x12345678);
+        addMask(&image, 0xFFFFFFFF);
+        for (uint32_t word : image.words()) EXPECT_EQ(word, 0x12345678u) << width;
+    }
+    android::BitmapStruct negative = {-3, -3, nullptr};
+    addMask(&negative, 0xFFFFFFFF);
+}
+
+TEST(ColorMask, EqualsReference) {
+    std::mt19937 random(24);
+    for (uint32_t alpha = 0; alpha < 256; ++alpha) {
+        for (const auto& [width, height] : sweepSizes()) {
+            if (alpha % 16 != 0 && width * height != 15 * 3) continue;
+            const uint32_t color = alpha << 24 | (random() & 0xFFFFFF);
+            Image actual = Image::random(width, height, random);
+            Image expected(width, height, actual.words());
+            addMask(&actual, color);
+            reference::addMask(expected, color);
+            ASSERT_EQ(actual.words(), expected.words())
+                << width << " x " << height << " under " << std::hex << color;
+            ASSERT_TRUE(actual.storage.intact());
+        }
+    }
+}
+
+}  // namespace

@@ -1,0 +1,139 @@
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <random>
+
+#include "tests/reference/reference.h"
+#include "tests/support/fake_libc.h"
+#include "tests/support/fake_platform.h"
+
+// The configuration native, reached as Java reaches it: through its method table.
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+const std::string kCannotRead = "4 zorenconfig: can not read file /system/etc/jpsp \n";
+const std::string kFault = "4 zorenconfig: error zorenconfig file \n";
+std::string pad(int count) {
+    return "4 zorenconfig:  zorenconfig pading_length " + std::to_string(count) + " \n";
+}
+const std::string kAccess = "access /system/etc/jpsp 4", kOpen = "fopen /system/etc/jpsp r";
+const Lines kReadWhole = {kAccess, kOpen, "fclose"};
+const Lines kAnswered = {kAccess, kOpen, "fclose", "NewStringUTF"};
+
+// `count` times x, then `end`, sealed.
+std::string sealed(size_t count, const std::string& end) {
+    return reference::encryptConfig(std::string(count, 'x') + end);
+}
+std::string byte(int value) { return std::string(1, static_cast<char>(value)); }
+std::string xs(size_t count) { return std::string(count, 'x'); }
+
+// Empty for null; the fake's script and what came in stay with the fakes.
+std::optional<std::string> ask(FakePlatform& platform, FakeLibc& libc, const std::string& content) {
+    const TemporaryFile file(content);
+    libc.file = file.path();
+    const jstring result =
+        platform.native<jstring(JNIEnv*, jobject)>("nativeGetConfigXML")(platform.env(), nullptr);
+    EXPECT_TRUE(libc.balanced()) << "held " << libc.heldBlocks() << ", open " << libc.openFiles
+                                 << ", wiped " << libc.scheduleWiped << libc.plaintextWiped;
+    return result == nullptr ? std::nullopt : std::optional(platform.newString);
+}
+
+// 20 characters under PKCS#7, encrypted elsewhere.
+const unsigned char kSealed[] = {0xfa, 0x45, 0xb6, 0x22, 0xce, 0x30, 0x6f, 0x10, 0x51, 0x24, 0x15,
+                                 0x04, 0xe8, 0x32, 0x4b, 0x2d, 0x5a, 0x93, 0x1b, 0x83, 0x04, 0xcb,
+                                 0x13, 0x26, 0xff, 0xf2, 0xb7, 0x24, 0xe3, 0xa0, 0xdd, 0xcc};
+const std::string kFile(kSealed, kSealed + sizeof kSealed);
+constexpr size_t kMiB16 = size_t{1} << 24;
+
+struct Row {
+    const char* name;
+    std::string file;
+    std::optional<std::string> text;
+    Lines log;
+    const char* failing = "";
+    long position = 0;         // what ftell says; 0 for the truth
+    Lines calls = kReadWhole;  // for a null; a text has kAnswered
+};
+
+TEST(ConfigReader, AnswersOrReports) {
+    const Row rows[] = {
+        {"known file", kFile, "<zoren version=\"1\"/>", {pad(12)}},
+        {"a whole block of padding", sealed(16, std::string(16, 16)), xs(16), {pad(16)}},
+        {"no padding", sealed(15, byte(0)), xs(15), {pad(0)}},
+        {"the last byte alone counts", sealed(28, "\1\2\3\5"), xs(27), {pad(5)}},
+        {"padding beyond a block", sealed(47, byte(40)), xs(8), {pad(40)}},
+        {"an unsigned count", sealed(255, byte(255)), "x", {pad(255)}},
+        {"nothing but padding", sealed(47, byte(48)), "", {pad(48)}},
+        {"a zero byte inside", sealed(9, byte(0) + "after" + byte(1)), xs(9), {pad(1)}},
+        {"16 MiB", sealed(kMiB16 - 1, byte(1)), xs(kMiB16 - 1), {pad(1)}},
+        {"beyond 16 MiB", xs(kMiB16 + 16), {}, {kFault}},
+        {"empty", "", {}, {kFault}},
+        {"15 bytes", kFile.substr(0, 15), {}, {kFault}},
+        {"17 bytes", kFile.substr(0, 17), {}, {kFault}},
+        {"pad beyond the text", sealed(15, byte(17)), {}, {pad(17), kFault}},
+        {"pad far beyond", sealed(47, byte(255)), {}, {pad(255), kFault}},
+        {"not readable", kFile, {}, {kCannotRead, kFault}, "access", 0, {kAccess}},
+        {"not opened", kFile, {}, {kCannotRead, kFault}, "fopen", 0, {kAccess, kOpen}},
+        {"no seek", kFile, {}, {kFault}, "fseek"},
+        {"no position", kFile, {}, {kFault}, "ftell"},
+        {"short read", kFile, {}, {kFault}, "fread"},
+        {"no string", kFile, {}, {pad(12)}, "NewStringUTF", 0, kAnswered},
+        {"4 GiB more than read", kFile, {}, {kFault}, "", (1L << 32) + 32},
+        {"position beyond any length", kFile, {}, {kFault}, "", LONG_MAX},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        FakePlatform platform;
+        FakeLibc libc;
+        platform.failing = libc.failing = row.failing;
+        libc.position = row.position;
+        EXPECT_TRUE(ask(platform, libc, row.file) == row.text);  // too long to print
+        EXPECT_EQ(platform.calls, row.text ? kAnswered : row.calls);
+        EXPECT_EQ(platform.log, row.log);
+    }
+}
+
+TEST(ConfigReader, RefusesOtherUsersBeforeTouchingTheFile) {
+    for (const int uid : {1000, 1, -1}) {
+        FakePlatform platform;
+        FakeLibc libc;
+        libc.uid = static_cast<unsigned>(uid);
+        EXPECT_EQ(ask(platform, libc, kFile), std::nullopt);
+        EXPECT_EQ(platform.calls, Lines{});
+        const std::string line = "4 zorenconfig: getConfigXML error uid: ";
+        EXPECT_EQ(platform.log, Lines{line + std::to_string(uid) + " \n"});
+    }
+}
+
+TEST(ConfigReader, EndsCleanlyWithoutMemory) {
+    const int tries = failEachAllocation([](FakeLibc& libc) {
+        FakePlatform platform;
+        const bool answered = ask(platform, libc, kFile).has_value();
+        EXPECT_EQ(answered, !libc.allocationFailed());
+        EXPECT_EQ(platform.log, Lines{libc.allocationFailed() ? kFault : pad(12)});
+    });
+    EXPECT_GT(tries, 1);
+}
+
+TEST(ConfigReaderDeathTest, EndsTheProcessWithoutAKey) {
+    FakePlatform platform;
+    FakeLibc libc;
+    libc.failing = "AES_set_decrypt_key";
+    EXPECT_EXIT(ask(platform, libc, kFile), testing::ExitedWithCode(255),
+                "^4 zorenconfig: Unable to set encryption key in AES\n$");
+}
+
+TEST(ConfigReader, EqualsReference) {
+    std::mt19937 random(41);
+    for (int round = 0; round < 200; ++round) {
+        std::string file(16 * (1 + random() % 12), '\0');
+        for (char& c : file) c = static_cast<char>(random());
+        FakePlatform platform;
+        FakeLibc libc;
+        ASSERT_EQ(ask(platform, libc, file), reference::decryptConfig(file)) << round;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,106 @@
+#include <algorithm>
+#include <cmath>
+
+#include "tests/reference/reference.h"
+
+namespace reference {
+namespace {
+
+uint32_t byteOf(uint32_t pixel, int c) { return pixel >> (8 * c) & 0xFF; }
+
+// The one quotient that 32 bits cannot hold wraps; a norm of 0 divides nothing.
+int32_t quotient(int32_t sum, int32_t norm) {
+    if (norm == 0) return 0;
+    return norm == -1 ? static_cast<int32_t>(-static_cast<uint32_t>(sum)) : sum / norm;
+}
+
+// One pass: (stepX, stepY) is the direction of the taps, which end at the edge pixel.
+void pass(BitmapStruct& bitmap, const int32_t* kernel, int32_t size, int32_t norm, int stepX,
+          int stepY) {
+    const size_t width = bitmap.width;
+    const std::vector<uint32_t> old(bitmap.pixels, bitmap.pixels + width * bitmap.height);
+    for (int32_t y = 0; y < bitmap.height; ++y) {
+        for (int32_t x = 0; x < bitmap.width; ++x) {
+            uint32_t sums[3] = {0, 0, 0};
+            for (int32_t k = 0; k < size; ++k) {
+                const int32_t offset = k - (size - 1) / 2;
+                const int32_t tapX = std::clamp(x + stepX * offset, 0, bitmap.width - 1);
+                const int32_t tapY = std::clamp(y + stepY * offset, 0, bitmap.height - 1);
+                const uint32_t pixel = old[tapY * width + tapX];
+                const uint32_t weight = static_cast<uint32_t>(kernel[k]);
+                for (int c = 0; c < 3; ++c) sums[c] += weight * byteOf(pixel, c);
+            }
+            uint32_t word = 0xFF000000;
+            for (int c = 0; c < 3; ++c) {
+                const int32_t value = quotient(static_cast<int32_t>(sums[c]), norm);
+                word |= static_cast<uint32_t>(value) << (8 * c);
+            }
+            bitmap.pixels[y * width + x] = word;
+        }
+    }
+}
+
+}  // namespace
+
+Kernel calcuGaussianTemplate(int32_t size, float radius) {
+    Kernel kernel = {{}, 0};
+    if (size < 1 || size > 92681) return kernel;
+    const float a = -1.0f / ((radius + radius) * radius);
+    const float c = 1.0f / (radius * 2.5066283f);
+    std::vector<float> w(size);
+    float sum = 0;
+    for (int32_t i = 0; i < size; ++i) {
+        const int32_t d = i - size / 2;
+        const float exponent = a * static_cast<float>(d * d);
+        w[i] = c * static_cast<float>(std::exp(static_cast<double>(exponent)));
+        sum += w[i];
+    }
+    for (float weight : w) {
+        const float scaled = weight * 65536.0f / sum;
+        kernel.weights.push_back(std::isnan(scaled) ? 0 : static_cast<int32_t>(scaled));
+        kernel.norm += kernel.weights.back();
+    }
+    return kernel;
+}
+
+void GaussianBlurEffect(BitmapStruct& bitmap, const int32_t* kernel, int32_t size, int32_t norm) {
+    if (bitmap.width < 2 || bitmap.height < 2 || size < 1 || size % 2 == 0) return;
+    pass(bitmap, kernel, size, norm, 1, 0);
+    pass(bitmap, kernel, size, norm, 0, 1);
+}
+
+void addMask(BitmapStruct& bitmap, uint32_t color) {
+    if (bitmap.width < 2 || bitmap.height < 2) return;
+    const uint32_t alpha = color >> 24;
+    for (int32_t i = 0; i < bitmap.width * bitmap.height; ++i) {
+        uint32_t word = 0xFF000000;
+        for (int c = 0; c < 3; ++c) {
+            const uint32_t mask = byteOf(color, 2 - c);  // red is byte 2 of a colour, 0 of a pixel
+            word |= ((255 - alpha) * byteOf(bitmap.pixels[i], c) + alpha * mask) >> 8 << (8 * c);
+        }
+        bitmap.pixels[i] = word;
+    }
+}
+
+void fillBitmapRegionHorizontal(const BitmapStruct& source, BitmapStruct& destination) {
+    const int32_t w = source.width, wide = destination.width, margin = (wide - w) / 2;
+    if (source.height < 1 || w < 1 || wide < w) return;
+    for (int32_t y = 0; y < source.height; ++y) {
+        const uint32_t* from = source.pixels + y * w;
+        uint32_t* to = destination.pixels + y * wide;
+        for (int32_t x = 0; x < w; ++x) to[margin + x] = from[x];
+        for (int32_t x = 0; x < margin; ++x) to[x] = from[0];
+        for (int32_t x = wide - margin; x < wide; ++x) to[x] = from[w - 1];
+    }
+}
+
+void fillBitmapRegionVertical(const BitmapStruct& source, BitmapStruct& destination) {
+    const int32_t w = source.width, h = source.height, margin = (destination.height - h) / 2;
+    if (h < 1 || w < 1 || destination.height < h) return;
+    for (int32_t y = 0; y < h + 2 * margin; ++y) {
+        const int32_t row = std::clamp(y - margin, 0, h - 1);
+        for (int32_t x = 0; x < w; ++x) destination.pixels[y * w + x] = source.pixels[row * w + x];
+    }
+}
+
+}  // namespace reference

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "jni/bitmap_struct.h"
+
+// One plain scalar version of every routine: the truth that tests, fuzzers and benchmarks compare
+// with. Written to be checked by eye, not to be fast.
+namespace reference {
+
+using android::BitmapStruct;
+
+struct Kernel {
+    std::vector<int32_t> weights;
+    int32_t norm;
+};
+
+// Gaussian weights with the correctly rounded exponential; none for a refused size.
+Kernel calcuGaussianTemplate(int32_t size, float radius);
+void GaussianBlurEffect(BitmapStruct& bitmap, const int32_t* kernel, int32_t size, int32_t norm);
+void addMask(BitmapStruct& bitmap, uint32_t color);
+void fillBitmapRegionHorizontal(const BitmapStruct& source, BitmapStruct& destination);
+void fillBitmapRegionVertical(const BitmapStruct& source, BitmapStruct& destination);
+
+int32_t RGB2Gray(const BitmapStruct& bitmap);
+void HSBtoRGB(int32_t& red, int32_t& green, int32_t& blue, float h, float s, float v);
+int32_t BitmaptoColorCast(const BitmapStruct& bitmap, int32_t saturation, int32_t brightness);
+
+// Encrypts whole blocks as they stand: text, and padding whose last byte counts it.
+std::string encryptConfig(const std::string& plain);
+
+// The text of an encrypted configuration, or nothing for bytes that are no configuration.
+std::optional<std::string> decryptConfig(const std::string& file);
+
+// The total that a statistics file with this content gives.
+int64_t ifaceUidStat(const std::string& content, const std::string& interface, int32_t uid,
+                     int32_t selector);
+
+}  // namespace reference

@@ -1,0 +1,142 @@
+#define OPENSSL_SUPPRESS_DEPRECATED  // the library uses the AES interface, so the fakes do
+#include "tests/support/fake_libc.h"
+
+#include <openssl/aes.h>
+#include <openssl/crypto.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+#include <new>
+
+#include "tests/support/fake_platform.h"
+
+namespace {
+
+constexpr size_t kLargestBlock = size_t{1} << 30;  // a larger allocation fails
+
+FakeLibc* active = nullptr;
+std::map<uint8_t*, size_t> held;  // blocks of the library and their bytes
+const uint8_t *schedule = nullptr, *plaintext = nullptr;
+
+bool fails(const char* call) { return active->failing == call; }
+
+void record(const std::string& call) { FakePlatform::current().calls.push_back(call); }
+
+template <typename Allocate>
+void* take(size_t bytes, Allocate allocate) {
+    if (++active->allocations == active->failingAllocation || bytes > kLargestBlock) return nullptr;
+    void* block = allocate();
+    held[static_cast<uint8_t*>(block)] = bytes;
+    return block;
+}
+
+void* give(void* block) {
+    const auto entry = held.find(static_cast<uint8_t*>(block));
+    if (entry == held.end()) return block;
+    const uint8_t *begin = entry->first, *end = begin + entry->second;
+    if (begin <= plaintext && plaintext < end) {
+        active->plaintextWiped = std::all_of(begin, end, [](uint8_t byte) { return byte == 0; });
+    }
+    held.erase(entry);
+    return block;
+}
+
+}  // namespace
+
+FakeLibc::FakeLibc() {
+    active = this;
+    schedule = plaintext = nullptr;  // an earlier call's address may be in use again
+    patchMemory();
+    patchFiles();
+    patchCipher();
+}
+
+FakeLibc::~FakeLibc() {
+    patches_.clear();
+    held.clear();
+}
+
+size_t FakeLibc::heldBlocks() const { return held.size(); }
+
+void FakeLibc::patchMemory() {
+    // Each goes on to its own kind: the sanitizers tell a block of `new` from one of `malloc`.
+    patch("malloc", [](size_t n) { return take(n, [n] { return std::malloc(n); }); });
+    patch("calloc", [](size_t count, size_t n) {
+        return take(count * n, [=] { return std::calloc(count, n); });
+    });
+    patch("_ZnamRKSt9nothrow_t", [](size_t n, const std::nothrow_t& tag) {
+        return take(n, [&] { return ::operator new[](n, tag); });
+    });
+    patch("free", [](void* block) { std::free(give(block)); });
+    patch("_ZdaPv", [](void* block) { ::operator delete[](give(block)); });
+}
+
+void FakeLibc::patchFiles() {
+    patch("getuid", [] { return active->uid; });
+    patch("access", [](const char* path, int mode) {
+        record(std::string("access ") + path + " " + std::to_string(mode));
+        return fails("access") ? -1 : ::access(active->file.c_str(), mode);
+    });
+    patch("fopen", [](const char* path, const char* mode) -> FILE* {
+        record(std::string("fopen ") + path + " " + mode);
+        FILE* stream = fails("fopen") ? nullptr : std::fopen(active->file.c_str(), mode);
+        if (stream != nullptr) ++active->openFiles;
+        return stream;
+    });
+    patch("fclose", [](FILE* stream) {
+        record("fclose");
+        --active->openFiles;
+        return std::fclose(stream) == 0 && !fails("fclose") ? 0 : EOF;
+    });
+    patch("fseek", [](FILE* stream, long offset, int whence) {
+        return fails("fseek") ? -1 : std::fseek(stream, offset, whence);
+    });
+    patch("ftell", [](FILE* stream) {
+        if (active->position != 0) return active->position;
+        return fails("ftell") ? -1 : std::ftell(stream);
+    });
+    patch("fread", [](void* buffer, size_t size, size_t count, FILE* stream) {
+        return std::fread(buffer, size, fails("fread") ? count - 1 : count, stream);
+    });
+    // For death tests: the log reaches the parent through standard error.
+    patch("exit", [](int status) {
+        for (const std::string& line : FakePlatform::current().log)
+            std::fputs(line.c_str(), stderr);
+        _exit(status);
+    });
+}
+
+void FakeLibc::patchCipher() {
+    patch("AES_set_decrypt_key", [](const unsigned char* user, const int bits, AES_KEY* key) {
+        if (fails("AES_set_decrypt_key")) return -1;
+        schedule = reinterpret_cast<const uint8_t*>(key);
+        active->scheduleWiped = false;
+        return AES_set_decrypt_key(user, bits, key);
+    });
+    patch("AES_cbc_encrypt", [](const unsigned char* in, unsigned char* out, size_t length,
+                                const AES_KEY* key, unsigned char* vector, const int encrypt) {
+        plaintext = out;
+        active->plaintextWiped = false;
+        AES_cbc_encrypt(in, out, length, key, vector, encrypt);
+    });
+    patch("OPENSSL_cleanse", [](void* memory, size_t bytes) {
+        const auto* begin = static_cast<const uint8_t*>(memory);
+        const bool whole = begin <= schedule && schedule + sizeof(AES_KEY) <= begin + bytes;
+        active->scheduleWiped = active->scheduleWiped || whole;
+        OPENSSL_cleanse(memory, bytes);
+    });
+}
+
+TemporaryFile::TemporaryFile(const std::string& content) {
+    const char* folder = std::getenv("TMPDIR");
+    path_ = std::string(folder != nullptr ? folder : "/tmp") + "/zoren-test-XXXXXX";
+    FILE* stream = fdopen(mkstemp(path_.data()), "w");
+    if (stream == nullptr) std::abort();
+    std::fwrite(content.data(), 1, content.size(), stream);
+    if (std::fclose(stream) != 0) std::abort();
+}
+
+TemporaryFile::~TemporaryFile() { unlink(path_.c_str()); }

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/support/import_patch.h"
+
+// While it lives, the library's memory, file and process calls come here instead: they fail where a
+// test says and every path is the file the test gave. Needs a FakePlatform, whose list of calls the
+// file calls join.
+class FakeLibc {
+  public:
+    FakeLibc();  // at most one lives at a time
+    ~FakeLibc();
+
+    // The script.
+    std::string file;           // the path that takes the place of any other
+    unsigned uid = 0;           // of the process
+    std::string failing;        // the name of the one call that reports failure
+    long position = 0;          // what ftell says; 0 for the truth
+    int failingAllocation = 0;  // counted from 1; 0 for none
+
+    // What came in.
+    int allocations = 0;  // asked for, failed ones included
+    int openFiles = 0;
+    bool scheduleWiped = true, plaintextWiped = true;  // false while a secret lies in memory
+    size_t heldBlocks() const;
+    bool allocationFailed() const {
+        return failingAllocation > 0 && allocations >= failingAllocation;
+    }
+
+    // Nothing is held, open or left readable.
+    bool balanced() const {
+        return heldBlocks() == 0 && openFiles == 0 && scheduleWiped && plaintextWiped;
+    }
+
+  private:
+    template <typename Function>
+    void patch(const char* symbol, Function function) {
+        patches_.emplace_back(symbol, reinterpret_cast<void*>(+function));
+    }
+    void patchMemory();
+    void patchFiles();
+    void patchCipher();
+
+    std::vector<ImportPatch> patches_;
+};
+
+// Lets the first allocation of `attempt(libc)` fail, in another attempt the second, and so on up to
+// the attempt that meets no failure. Returns how many attempts that took.
+template <typename Attempt>
+int failEachAllocation(Attempt attempt) {
+    for (int tries = 1;; ++tries) {
+        FakeLibc libc;
+        libc.failingAllocation = tries;
+        attempt(libc);
+        EXPECT_TRUE(libc.balanced()) << "allocation " << tries;
+        if (!libc.allocationFailed()) return tries;
+    }
+}
+
+// Puts `content` in a file that lasts as long as the object.
+class TemporaryFile {
+  public:
+    explicit TemporaryFile(const std::string& content);
+    ~TemporaryFile();
+    const std::string& path() const { return path_; }
+
+  private:
+    std::string path_;
+};

@@ -1,0 +1,119 @@
+#include "tests/support/fake_platform.h"
+
+#include <android/log.h>
+#include <android_runtime/AndroidRuntime.h>
+#include <nativehelper/JNIHelp.h>
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+FakePlatform* active = nullptr;
+
+// Names a call and marks one that came with another environment or object than the test gave.
+FakePlatform& record(const char* call, JNIEnv* env, jobject bitmap) {
+    const bool right = env == active->env() && bitmap == active->bitmap();
+    active->calls.push_back(std::string(call) + (right ? "" : " with a wrong argument"));
+    return *active;
+}
+
+}  // namespace
+
+// These take precedence over the platform's libraries because the program comes first in the
+// search for a symbol.
+extern "C" {
+
+int AndroidBitmap_getInfo(JNIEnv* env, jobject bitmap, AndroidBitmapInfo* info) {
+    FakePlatform& platform = record("getInfo", env, bitmap);
+    if (platform.infoResult >= 0) *info = platform.info;
+    return platform.infoResult;
+}
+
+int AndroidBitmap_lockPixels(JNIEnv* env, jobject bitmap, void** pixels) {
+    FakePlatform& platform = record("lock", env, bitmap);
+    if (platform.lockResult >= 0) *pixels = platform.pixels;
+    return platform.lockResult;
+}
+
+int AndroidBitmap_unlockPixels(JNIEnv* env, jobject bitmap) {
+    FakePlatform& platform = record("unlock", env, bitmap);
+    if (platform.atUnlock) platform.atUnlock();
+    return platform.unlockResult;
+}
+
+int __android_log_print(int priority, const char* tag, const char* format, ...) {
+    char text[1024];
+    va_list arguments;
+    va_start(arguments, format);
+    const int length = std::vsnprintf(text, sizeof text, format, arguments);
+    va_end(arguments);
+    active->log.push_back(std::to_string(priority) + " " + tag + ": " + text);
+    return length;
+}
+
+int jniThrowNullPointerException(JNIEnv*, const char* message) {
+    active->calls.push_back(std::string("throw ") + (message ? message : "null"));
+    return 0;
+}
+
+}  // extern "C"
+
+int android::AndroidRuntime::registerNativeMethods(JNIEnv* env, const char* className,
+                                                   const JNINativeMethod* methods, int count) {
+    active->registrations.push_back({className, {methods, methods + count}});
+    if (env != active->env()) return -2;
+    const int index = static_cast<int>(active->registrations.size()) - 1;
+    return index == active->failingRegistration ? -1 : 0;
+}
+
+extern "C" jint JNI_OnLoad(JavaVM* vm, void* reserved);
+
+FakePlatform::FakePlatform() {
+    active = this;
+    functions_.NewStringUTF = [](JNIEnv*, const char* text) {
+        active->calls.push_back("NewStringUTF");
+        active->newString = text;
+        return active->failing == "NewStringUTF" ? nullptr : string(active->newString);
+    };
+    functions_.GetStringUTFChars = [](JNIEnv*, jstring text, jboolean* isCopy) -> const char* {
+        active->calls.push_back(isCopy ? "GetStringUTFChars isCopy" : "GetStringUTFChars");
+        if (active->failing == "GetStringUTFChars") return nullptr;
+        return strdup(reinterpret_cast<std::string*>(text)->c_str());  // a leak if not released
+    };
+    functions_.ReleaseStringUTFChars = [](JNIEnv*, jstring, const char* chars) {
+        active->calls.push_back("ReleaseStringUTFChars");
+        std::free(const_cast<char*>(chars));
+    };
+    invocation_.GetEnv = [](JavaVM*, void** env, jint version) {
+        active->calls.push_back("GetEnv " + std::to_string(version));
+        *env = active->getEnvResult == JNI_OK ? active->env() : nullptr;
+        return active->getEnvResult;
+    };
+    env_.functions = &functions_;
+    vm_.functions = &invocation_;
+}
+
+FakePlatform::~FakePlatform() { active = nullptr; }
+
+FakePlatform& FakePlatform::current() { return *active; }
+
+void FakePlatform::showBitmap(Image& image) {
+    info = {static_cast<uint32_t>(image.width), static_cast<uint32_t>(image.height),
+            4 * static_cast<uint32_t>(image.width), ANDROID_BITMAP_FORMAT_RGBA_8888, 0};
+    pixels = image.pixels;
+}
+
+void* FakePlatform::nativeAddress(const char* name) {
+    if (registrations.empty()) {
+        JNI_OnLoad(vm(), nullptr);
+        calls.clear();
+    }
+    for (const Registration& registration : registrations) {
+        for (const JNINativeMethod& method : registration.methods) {
+            if (std::strcmp(method.name, name) == 0) return method.fnPtr;
+        }
+    }
+    return nullptr;
+}
