@@ -2,8 +2,8 @@
 #include <new>
 
 #include "blur/color_mask.h"
-#include "blur/gaussian_blur.h"
 #include "blur/gaussian_kernel.h"
+#include "blur/try_gaussian_blur.h"
 #include "jni/bitmap_frame.h"
 #include "jni/native_methods.h"
 

@@ -14,7 +14,8 @@ namespace android {
 // colour of alpha 0 still takes one from every channel that is not 0. The old alpha byte plays
 // no part.
 //
-// Leaves the bitmap untouched when it is narrower or lower than 2 pixels.
+// Leaves the bitmap untouched when it is narrower or lower than 2 pixels, or when its pixel count
+// wraps below 1 as a signed 32-bit product.
 //
 // REQUIRES: the pixels are locked and nobody else uses them during the call. Reads and writes
 // no byte outside the image. Re-entrant.

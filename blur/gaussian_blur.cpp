@@ -5,6 +5,8 @@
 #include <memory>
 #include <new>
 
+#include "blur/try_gaussian_blur.h"
+
 namespace android {
 namespace {
 

@@ -4,6 +4,7 @@
 
 #include "jni/bitmap_struct.h"
 
+#pragma GCC visibility push(default)  // the exported surface: jni/exports.map
 namespace android {
 
 // Blurs `bitmap` in place with one kernel, first along every row, then along every column.
@@ -23,12 +24,7 @@ namespace android {
 //
 // REQUIRES: the pixels are locked and nobody else uses them during the call; `kernel` holds `size`
 // weights. Reads and writes no byte outside the image. Re-entrant.
-#pragma GCC visibility push(default)  // the exported surface: jni/exports.map
 void GaussianBlurEffect(BitmapStruct* bitmap, const int32_t* kernel, int32_t size, int32_t norm);
-#pragma GCC visibility pop
-
-// The same, and tells whether memory could be had: false leaves the bitmap untouched. A bitmap or
-// size that there is nothing to do for is no failure.
-bool tryGaussianBlur(BitmapStruct* bitmap, const int32_t* kernel, int32_t size, int32_t norm);
 
 }  // namespace android
+#pragma GCC visibility pop

@@ -9,8 +9,10 @@ namespace android {
 // margins, which are (destination - source) / 2 pixels on either side. Pixels move as whole
 // words.
 //
-// REQUIRES: both pixel arrays as large as said, and apart from each other; nobody else uses the
-// destination during the call. Neither view is changed. Re-entrant.
+// Both write nothing when the two pixel arrays share a word.
+//
+// REQUIRES: both pixel arrays as large as said; nobody else uses the destination during the call.
+// Neither view is changed. Re-entrant.
 
 // Widens: writes source->height rows of destination->width pixels; destination->height is not
 // read. When the difference of the widths is odd, the column between the copy and the right
@@ -21,8 +23,8 @@ void fillBitmapRegionHorizontal(const BitmapStruct* source, BitmapStruct* destin
 
 // Heightens: writes destination->height rows of source->width pixels; destination->width is not
 // read. When the difference of the heights is odd, the last row keeps its old content, because
-// the lower margin begins directly below the copy. Writes nothing when the source has no pixel
-// or the destination is lower.
+// the lower margin begins directly below the copy. Writes nothing when the source has no pixel,
+// when the destination is lower, or when it has more pixels than a signed 32-bit integer counts.
 void fillBitmapRegionVertical(const BitmapStruct* source, BitmapStruct* destination);
 
 }  // namespace android

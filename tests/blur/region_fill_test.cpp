@@ -59,6 +59,23 @@ TEST(RegionFill, GivesThesePixels) {
     }
 }
 
+TEST(RegionFill, LeavesSharedPixelsUntouched) {
+    const Pixels before = {1, 2, 3, 4, 5, 6, 7, 8, 9};
+    for (const auto fill : {kWiden, kHeighten}) {
+        for (const size_t offset : {0, 1, 3}) {
+            Image image(3, 3, before);
+            const android::BitmapStruct part = {1, 3, image.pixels + offset};
+            android::BitmapStruct whole = {fill == kWiden ? 2 : 1, 5, image.pixels};
+            fill(&part, &whole);
+            EXPECT_EQ(image.words(), before) << offset;
+        }
+    }
+    // One row too many for the row offsets; not one word of it is there.
+    Image source(1 << 16, 1, 5), destination(1, 1 << 15, 6);
+    kHeighten(&source, &destination);
+    EXPECT_EQ(destination.words(), Pixels(1 << 15, 6));
+}
+
 TEST(RegionFill, EqualsReference) {
     std::mt19937 random(25);
     for (const auto& [width, height] : sweepSizes()) {

@@ -38,6 +38,10 @@ differ 'Exports' "$expected" "$actual"
 soname=$(readelf -d -W "$library" | sed -n 's/.*(SONAME).*\[\(.*\)\]/\1/p')
 differ 'Soname' libzoren_runtime.so "$soname"
 
+# A longer one would end in the build tree, an empty entry of it in the current folder.
+runpath=$(readelf -d -W "$library" | sed -n 's/.*(RUNPATH).*\[\(.*\)\]/\1/p')
+differ 'Run path' '$ORIGIN' "$runpath"
+
 # Besides these only the C and C++ runtime, and that of the sanitizers in such a build.
 needed=$(readelf -d -W "$library" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' |
     grep -vE '^(lib(stdc\+\+|m|gcc_s|c|[atu]b?san)|ld-linux-.*)\.so\.[0-9]+$' | sort)

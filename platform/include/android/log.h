@@ -21,9 +21,8 @@ extern "C" {
 
 // Writes one entry, the text that `fmt` makes, as one line: `I/tag: text`.
 //
-// One newline at the end of the text is dropped; the others, and carriage returns, appear as `\n`
-// and
-// `\r`, so an entry is always one line. The text may have any length.
+// One newline at the end of the text is dropped; further ones appear as `\n` and carriage returns
+// as `\r`, so an entry is always one line. The text may have any length.
 //
 // The line is appended to the file that the environment variable ZOREN_LOG_FILE names, which is
 // created if need be; it goes to standard error when the variable is unset or empty or the file

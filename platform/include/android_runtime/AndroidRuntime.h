@@ -12,8 +12,8 @@ class AndroidRuntime {
     // Registers `numMethods` native methods of the class `className` ("package/of/Class"), which is
     // looked up through the class loader of the calling Java method. The table is only read.
     //
-    // Returns 0, or a negative value when the class is missing, fails to initialise, or does not
-    // declare one of the methods; methods listed before that one stay registered. Leaves no
+    // Returns 0, or a negative value when the class is missing or does not declare one of the
+    // methods; methods listed before that one stay registered. Leaves no
     // exception pending and no local reference. An exception that is already pending stays, and
     // nothing is registered.
     static int registerNativeMethods(JNIEnv* env, const char* className,
