@@ -3,6 +3,7 @@ package zoren.cli;
 import android.graphics.Bitmap;
 import java.io.IOException;
 import java.io.PrintWriter;
+import java.io.UncheckedIOException;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.List;
@@ -25,8 +26,8 @@ import zoren.util.BlurUtil;
         description = {
             "",
             "INPUT and OUTPUT are two pictures or two folders. All PNG and JPEG files of a folder"
-                    + " are blurred, under their own names, into the folder OUTPUT, which is made when"
-                    + " missing.",
+                    + " are blurred, under their own names, into the folder OUTPUT, which is made"
+                    + " when missing.",
             "",
             "The result is opaque. A picture narrower or lower than 2 pixels stays as it is.",
             ""
@@ -92,20 +93,12 @@ final class BlurCommand implements Callable<Integer> {
     }
 
     private int blurFolder() throws Failure {
-        final List<Path> pictures;
-        try (Stream<Path> files = Files.list(input)) {
-            pictures =
-                    files.filter(Files::isRegularFile)
-                            .filter(Pictures::isPictureName)
-                            .sorted()
-                            .collect(Collectors.toList());
-            if (pictures.isEmpty()) {
-                throw new Failure(input, "holds no PNG or JPEG file");
-            }
-            if (Files.exists(output) && !Files.isDirectory(output)) {
-                throw new Failure(output, "is a file, but " + input + " is a folder");
-            }
-            Files.createDirectories(output);
+        final List<Path> pictures = listPictures();
+        if (Files.exists(output) && !Files.isDirectory(output)) {
+            throw new Failure(output, "is a file, but " + input + " is a folder");
+        }
+        WholeFile.makeFolder(output);
+        try {
             if (Files.isSameFile(input, output)) {
                 throw new Failure(output, "is the folder that is read; name another one");
             }
@@ -129,6 +122,24 @@ final class BlurCommand implements Callable<Integer> {
         }
         progress.clear();
         return exitCode;
+    }
+
+    private List<Path> listPictures() throws Failure {
+        try (Stream<Path> files = Files.list(input)) {
+            final List<Path> pictures =
+                    files.filter(Files::isRegularFile)
+                            .filter(Pictures::isPictureName)
+                            .sorted()
+                            .collect(Collectors.toList());
+            if (pictures.isEmpty()) {
+                throw new Failure(input, "holds no PNG or JPEG file");
+            }
+            return pictures;
+        } catch (IOException e) {
+            throw new Failure("cannot list " + new Failure(input, e).getMessage());
+        } catch (UncheckedIOException e) { // from the stream, after some files
+            throw new Failure("cannot list " + new Failure(input, e.getCause()).getMessage());
+        }
     }
 
     private void blur(Path from, Path to) throws Failure {

@@ -30,6 +30,7 @@ import picocli.CommandLine.Spec;
         })
 final class ConfigCommand implements Callable<Integer> {
     private static final String PATH = "/system/etc/jpsp";
+    private static final int BLOCK_BYTES = 16;
 
     @Spec private CommandSpec spec;
     @Mixin private DeviceRoot deviceRoot;
@@ -62,6 +63,11 @@ final class ConfigCommand implements Callable<Integer> {
         if (!Files.isRegularFile(file) || !Files.isReadable(file)) {
             return new Failure(file, "the configuration file cannot be read");
         }
-        return new Failure(file, "is not a configuration file (whole cipher blocks, up to 16 MiB)");
+        final long bytes = file.toFile().length();
+        if (bytes == 0 || bytes % BLOCK_BYTES != 0 || bytes > SealCommand.MAX_SEALED_BYTES) {
+            return new Failure(
+                    file, "is not a configuration file (whole cipher blocks, up to 16 MiB)");
+        }
+        return new Failure(file, "was sealed under another key or is damaged");
     }
 }

@@ -55,10 +55,10 @@ final class Pictures {
         ImageReader reader = null;
         try (ImageInputStream in = new FileImageInputStream(path.toFile())) {
             final Iterator<ImageReader> readers = ImageIO.getImageReaders(in);
-            if (!readers.hasNext()) {
+            reader = readers.hasNext() ? readers.next() : null;
+            if (reader == null || !isFormat(reader, "png") && !isFormat(reader, "jpeg")) {
                 throw new Failure(path, "is not a PNG or JPEG picture");
             }
-            reader = readers.next();
             return decode(path, reader, in);
         } catch (IOException | RuntimeException e) { // decoders throw both on broken data
             throw new Failure(path, "is not a whole picture: " + e.getMessage());
@@ -89,10 +89,13 @@ final class Pictures {
         return String.valueOf(path.getFileName()).toLowerCase(Locale.ROOT);
     }
 
+    private static boolean isFormat(ImageReader reader, String name) throws IOException {
+        return reader.getFormatName().equalsIgnoreCase(name);
+    }
+
     private static Bitmap decode(Path path, ImageReader reader, ImageInputStream in)
             throws IOException, Failure {
         reader.setInput(in, true, true);
-        final boolean jpeg = reader.getFormatName().equalsIgnoreCase("jpeg");
         final long width = reader.getWidth(0);
         final long height = reader.getHeight(0);
         if (width * height > Integer.MAX_VALUE / 4) {
@@ -111,7 +114,7 @@ final class Pictures {
         if (space != ColorSpace.TYPE_RGB && space != ColorSpace.TYPE_GRAY) {
             throw new Failure(path, "is neither RGB nor gray (CMYK, perhaps); save it as RGB");
         }
-        return toBitmap(image, jpeg ? orientation(path) : 1);
+        return toBitmap(image, isFormat(reader, "jpeg") ? orientation(path) : 1);
     }
 
     /** Returns the EXIF orientation, 1 to 8, or 1 (upright) where the file tells none. */

@@ -22,6 +22,8 @@ import picocli.CommandLine.Parameters;
             "",
             "\"zoren config\" gives the text back unchanged. It must be UTF-8 without a zero byte,"
                     + " and the sealed file at most 16 MiB. An empty text is sealed too.",
+            "",
+            "Folders on the way to OUTPUT are made when missing.",
             ""
         },
         footer = {
@@ -33,7 +35,7 @@ import picocli.CommandLine.Parameters;
 final class SealCommand implements Callable<Integer> {
     // The reader's built-in key, which is its initialisation vector as well.
     private static final String KEY = "Qx7@Lumatrix2049";
-    private static final int MAX_SEALED_BYTES = 16 << 20;
+    static final int MAX_SEALED_BYTES = 16 << 20;
     // Strings come from native code in modified UTF-8: a character beyond U+FFFF is a pair of
     // surrogates of three bytes each. Without zero characters that is CESU-8.
     private static final Charset MODIFIED_UTF_8 = Charset.forName("CESU-8");
@@ -53,6 +55,9 @@ final class SealCommand implements Callable<Integer> {
         final byte[] sealed = encrypt(text.getBytes(MODIFIED_UTF_8));
         if (sealed.length > MAX_SEALED_BYTES) {
             throw new Failure(input, "is too large: sealed it would exceed 16 MiB");
+        }
+        if (output.getParent() != null) {
+            WholeFile.makeFolder(output.getParent());
         }
         WholeFile.write(output, out -> out.write(sealed));
         return 0;

@@ -58,7 +58,14 @@ public final class Zoren implements Runnable {
     public static void main(String[] args) {
         final PrintWriter out = utf8Writer(FileDescriptor.out);
         final PrintWriter err = utf8Writer(FileDescriptor.err);
-        int exitCode = run(out, err, args);
+        int exitCode;
+        try {
+            exitCode = run(out, err, args);
+        } catch (LinkageError e) { // from a class's initialiser, it has a cause and no message
+            final Object reason = e.getMessage() == null ? e.getCause() : e.getMessage();
+            report(err, "a library is missing or broken: " + reason);
+            exitCode = CommandLine.ExitCode.SOFTWARE;
+        }
         if (out.checkError() && exitCode == 0) {
             err.println("zoren: standard output cannot be written");
             exitCode = CommandLine.ExitCode.SOFTWARE;
@@ -101,9 +108,8 @@ public final class Zoren implements Runnable {
     private static int reportUsage(ParameterException failure, String[] args) {
         final CommandLine command = failure.getCommandLine();
         report(command.getErr(), failure.getMessage());
-        if (!UnmatchedArgumentException.printSuggestions(failure, command.getErr())) {
-            command.usage(command.getErr());
-        }
+        UnmatchedArgumentException.printSuggestions(failure, command.getErr());
+        command.usage(command.getErr());
         return CommandLine.ExitCode.USAGE;
     }
 
