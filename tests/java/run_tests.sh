@@ -1,0 +1,15 @@
+#!/bin/bash
+# run_tests.sh LIB_DIR WORK_DIR JAVA ARGUMENT...
+#
+# Runs JUnit in a virtual machine that passes the configuration's uid test and finds the phone's
+# files in a folder of its own.
+set -eu
+
+lib=$1 work=$2
+shift 2
+rm -rf "$work"
+mkdir -p "$work"/device/{system/etc,proc/net/xt_qtaguid}
+export ZOREN_DEVICE_ROOT=$work/device ZOREN_LOG_FILE=$work/log LC_ALL=C.UTF-8
+export LD_PRELOAD=libzoren_device_root.so LD_LIBRARY_PATH=$lib
+if [[ $(id -u) != 0 ]]; then set -- unshare -Ur "$@"; fi
+exec "$@"
