@@ -5,6 +5,9 @@
 #include <memory>
 #include <new>
 
+#include "blur/blur_plan.h"
+#include "blur/step_blur.h"
+#include "blur/tap_blur.h"
 #include "blur/try_gaussian_blur.h"
 
 namespace android {
@@ -17,9 +20,9 @@ uint32_t quotient(uint32_t sum, int32_t norm) {
     return static_cast<uint32_t>(static_cast<int64_t>(static_cast<int32_t>(sum)) / norm);
 }
 
-// Blurs one row or column of `count` pixels, `step` words apart, in place. `bordered` holds
-// count + size - 1 words: the line's own pixels with its first and last repeated on either side.
-// Sums are unsigned because they may wrap.
+// Blurs one row or column of `count` pixels, `step` words apart, in place, under any kernel.
+// `bordered` holds count + size - 1 words: the line's own pixels with its first and last repeated
+// on either side. Sums are unsigned because they may wrap.
 void blurLine(uint32_t* line, size_t step, size_t count, const int32_t* kernel, size_t size,
               int32_t norm, uint32_t* bordered) {
     const size_t half = (size - 1) / 2;
@@ -41,10 +44,7 @@ void blurLine(uint32_t* line, size_t step, size_t count, const int32_t* kernel, 
     }
 }
 
-}  // namespace
-
-bool tryGaussianBlur(BitmapStruct* bitmap, const int32_t* kernel, int32_t size, int32_t norm) {
-    if (bitmap->width < 2 || size % 2 != 1 || bitmap->height < 2) return true;
+bool blurTapByTap(BitmapStruct* bitmap, const int32_t* kernel, int32_t size, int32_t norm) {
     const size_t width = static_cast<size_t>(bitmap->width);
     const size_t height = static_cast<size_t>(bitmap->height);
     const size_t taps = static_cast<size_t>(size);
@@ -61,6 +61,33 @@ bool tryGaussianBlur(BitmapStruct* bitmap, const int32_t* kernel, int32_t size, 
     return true;
 }
 
+size_t scratchWords(const PassPlan& plan, size_t length, size_t lines) {
+    return plan.steps.terms ? stepScratchWords(plan, length) : tapScratchWords(plan, length, lines);
+}
+
+}  // namespace
+
+bool tryGaussianBlur(BitmapStruct* bitmap, const int32_t* kernel, int32_t size, int32_t norm) {
+    if (bitmap->width < 2 || size % 2 != 1 || bitmap->height < 2) return true;
+    if (!isPlainKernel(kernel, size, norm)) return blurTapByTap(bitmap, kernel, size, norm);
+
+    PassPlan rows, columns;
+    if (!makePassPlan(kernel, size, norm, bitmap->width, &rows) ||
+        !makePassPlan(kernel, size, norm, bitmap->height, &columns)) {
+        return false;
+    }
+    const size_t width = static_cast<size_t>(bitmap->width);
+    const size_t height = static_cast<size_t>(bitmap->height);
+    const size_t words =
+        std::max(scratchWords(rows, width, height), scratchWords(columns, height, width));
+    if (words == 0) return blurTapByTap(bitmap, kernel, size, norm);
+    const std::unique_ptr<uint32_t[]> scratch(new (std::nothrow) uint32_t[words]);
+    if (!scratch) return false;
+
+    (rows.steps.terms ? blurRowsBySteps : blurRowsByTaps)(*bitmap, rows, scratch.get());
+    (columns.steps.terms ? blurColumnsBySteps : blurColumnsByTaps)(*bitmap, columns, scratch.get());
+    return true;
+}
 void GaussianBlurEffect(BitmapStruct* bitmap, const int32_t* kernel, int32_t size, int32_t norm) {
     tryGaussianBlur(bitmap, kernel, size, norm);
 }

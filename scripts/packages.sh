@@ -1,6 +1,6 @@
 # Sourced by the other scripts: what they need from Debian, and how it is installed and built.
 
-run_packages=(cmake ninja-build clang libssl-dev openjdk-17-jdk-headless
+run_packages=(cmake ninja-build clang libhwy-dev libssl-dev openjdk-17-jdk-headless
     libpicocli-java libjackson2-core-java libmetadata-extractor-java libxmpcore-java)
 test_packages=(libgtest-dev libclang-rt-14-dev junit5)
 arm64_packages=(qemu-user-static g++-aarch64-linux-gnu

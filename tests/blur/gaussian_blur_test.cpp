@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/reference/reference.h"
+#include "tests/support/every_target.h"
 #include "tests/support/fake_libc.h"
 #include "tests/support/fake_platform.h"
 
@@ -82,9 +83,10 @@ TEST(GaussianBlur, LeavesUntouchedWithoutMemory) {
     EXPECT_GT(tries, 1);
 
     FakeLibc libc;
-    for (const int32_t size : {INT32_MAX, 0x3FFFFFFF, 0x33333333}) {  // no weight is read
+    for (const int32_t size : {INT32_MAX, 0x3FFFFFFF, 0x33333333}) {
         Image square(4, 4, 0x12345678);
-        GaussianBlurEffect(&square, kThree.data(), size, 65535);
+        const int32_t negative = -1;  // no further weight is read
+        GaussianBlurEffect(&square, &negative, size, 65535);
         EXPECT_EQ(square.words(), Pixels(16, 0x12345678)) << size;
     }
 }
@@ -101,20 +103,42 @@ void expectEqualsReference(const Image& source, const Weights& weights, int32_t 
     ASSERT_TRUE(actual.storage.intact());
 }
 
-TEST(GaussianBlur, EqualsReference) {
-    std::mt19937 random(22);
-    for (const auto& [width, height] : sweepSizes()) {
-        const Image image = Image::random(width, height, random);
-        for (const int32_t size : {1, 3, 5, 9, 15, 17, 19, 33, 39}) {
-            const float radius = static_cast<float>(size + 1) / 4;
-            const reference::Kernel gauss = reference::calcuGaussianTemplate(size, radius);
-            expectEqualsReference(image, gauss.weights, gauss.norm);
+// As the blur request derives it.
+reference::Kernel gauss(float radius) {
+    return reference::calcuGaussianTemplate((static_cast<int32_t>(4 * radius) - 1) | 1, radius);
+}
+
+// Every remainder of every vector length, in both directions, under light and heavy weights.
+TEST(GaussianBlur, EqualsReferenceAtEverySize) {
+    onEveryTarget([] {
+        std::mt19937 random(22);
+        const reference::Kernel kernels[] = {gauss(0.3f), gauss(0.76f), gauss(1), gauss(2.3f)};
+        for (int32_t n = 2; n <= 130; ++n) {
+            const reference::Kernel& kernel = kernels[n % 4];
+            expectEqualsReference(Image::random(n, 3 + n % 7, random), kernel.weights, kernel.norm);
+            expectEqualsReference(Image::random(3 + n % 7, n, random), kernel.weights, kernel.norm);
         }
-    }
-    const reference::Kernel wide = reference::calcuGaussianTemplate(99, 25.0f);
-    expectEqualsReference(Image::random(517, 9, random), wide.weights, wide.norm);
-    expectEqualsReference(Image::random(9, 517, random), wide.weights, wide.norm);
-    expectEqualsReference(Image(131, 97, 0xFFFFFFFF), wide.weights, wide.norm);
+    });
+}
+
+// Narrow kernels and wide ones, around the radius from which a line is blurred by steps, and wider
+// than the image by far; on noise, and on black and white, whose sums are the largest.
+TEST(GaussianBlur, EqualsReferenceAtEveryRadius) {
+    onEveryTarget([] {
+        std::mt19937 random(24);
+        for (const float radius : {5.0f, 10.0f, 25.0f, 28.0f, 31.0f, 34.0f, 37.0f, 40.0f, 47.0f,
+                                   61.0f, 100.0f, 129.0f, 215.0f, 700.0f}) {
+            const reference::Kernel kernel = gauss(radius);
+            for (const auto& [width, height] : {std::pair(157, 9), {5, 149}, {61, 67}}) {
+                Image image = Image::random(width, height, random);
+                expectEqualsReference(image, kernel.weights, kernel.norm);
+                for (uint32_t& word : image.storage) word = word % 2 * 0xFFFFFF;
+                expectEqualsReference(image, kernel.weights, kernel.norm);
+            }
+        }
+        const reference::Kernel widest = gauss(23170.5f);
+        expectEqualsReference(Image::random(9, 5, random), widest.weights, widest.norm);
+    });
 }
 
 // Kernels of other callers: lopsided, negative, sums that wrap, any divisor.
@@ -129,6 +153,28 @@ TEST(GaussianBlur, EqualsReferenceForAnyKernel) {
         const int32_t norms[] = {1, -1, 65521, -3, INT32_MIN, static_cast<int32_t>(random())};
         expectEqualsReference(image, kernel, norms[upTo(6)]);
     }
+}
+
+// Lopsided kernels that add up to their norm or less, from few heavy taps to many light ones, with
+// norms up to the limits of the division without dividing.
+TEST(GaussianBlur, EqualsReferenceForAnyPositiveKernel) {
+    onEveryTarget([] {
+        std::mt19937 random(26);
+        for (const uint32_t norm : {65536u, 65535u, 65279u, 65278u, 40000u, 257u, 256u, 1u}) {
+            for (const uint32_t size : {1u, 3u, 21u, 149u, 299u}) {
+                Weights kernel(size);
+                uint32_t left = norm;
+                for (int32_t& weight : kernel) {
+                    weight = static_cast<int32_t>(random() % (2 * norm / size + 2));
+                    weight = static_cast<int32_t>(std::min<uint32_t>(weight, left));
+                    left -= static_cast<uint32_t>(weight);
+                }
+                kernel[random() % size] += static_cast<int32_t>(left * (random() % 2));
+                const Image image = Image::random(23, 155, random);
+                expectEqualsReference(image, kernel, static_cast<int32_t>(norm));
+            }
+        }
+    });
 }
 
 }  // namespace

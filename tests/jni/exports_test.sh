@@ -42,12 +42,17 @@ differ 'Soname' libzoren_runtime.so "$soname"
 runpath=$(readelf -d -W "$library" | sed -n 's/.*(RUNPATH).*\[\(.*\)\]/\1/p')
 differ 'Run path' '$ORIGIN' "$runpath"
 
-# Besides these only the C and C++ runtime, and that of the sanitizers in such a build.
+# Besides these only the C and C++ runtime, and that of the sanitizers in such a build. Only where
+# the processor's instruction set is chosen at run time there is libhwy.
+expected='libandroid_runtime.so
+libcrypto.so.3
+'
+readelf -h "$library" | grep -q X86-64 && expected+='libhwy.so.1
+'
+expected+='libjnigraphics.so
+liblog.so
+libnativehelper.so'
 needed=$(readelf -d -W "$library" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' |
     grep -vE '^(lib(stdc\+\+|m|gcc_s|c|[atu]b?san)|ld-linux-.*)\.so\.[0-9]+$' | sort)
-differ 'Needed libraries' 'libandroid_runtime.so
-libcrypto.so.3
-libjnigraphics.so
-liblog.so
-libnativehelper.so' "$needed"
+differ 'Needed libraries' "$expected" "$needed"
 exit $status

@@ -1,0 +1,115 @@
+// What the two ways of blurring lines share: lines as lanes, and the division. Included once per
+// instruction set.
+
+#if defined(ANDROID_BLUR_LANES_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef ANDROID_BLUR_LANES_INL_H_
+#undef ANDROID_BLUR_LANES_INL_H_
+#else
+#define ANDROID_BLUR_LANES_INL_H_
+#endif
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+
+#include "blur/blur_plan.h"
+#include "hwy/highway.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace android::HWY_NAMESPACE {
+namespace hn = hwy::HWY_NAMESPACE;
+
+// A vector holds one pixel of each of its lanes' lines.
+using Pixels = hn::CappedTag<uint32_t, 8>;
+using PixelVector = hn::Vec<Pixels>;
+constexpr size_t kTileLines = hn::MaxLanes(Pixels());
+
+// Turns a square of kTileLines x kTileLines pixels over its diagonal.
+HWY_INLINE void transposeBlock(const uint32_t* from, size_t fromStep, uint32_t* to, size_t toStep) {
+    const Pixels d;
+    const hn::Repartition<uint64_t, Pixels> d64;
+    // First 2 x 2, then 4 x 4 within each 128 bits, then the 128-bit halves.
+    PixelVector row[kTileLines], two[kTileLines], four[kTileLines];
+    for (size_t i = 0; i < kTileLines; ++i) row[i] = hn::LoadU(d, from + i * fromStep);
+    for (size_t i = 0; i < kTileLines; i += 2) {
+        two[i] = hn::InterleaveLower(d, row[i], row[i + 1]);
+        two[i + 1] = hn::InterleaveUpper(d, row[i], row[i + 1]);
+    }
+    for (size_t i = 0; i < kTileLines; i += 4) {
+        for (size_t h = 0; h < 2; ++h) {
+            const auto a = hn::BitCast(d64, two[i + h]), b = hn::BitCast(d64, two[i + h + 2]);
+            four[i + 2 * h] = hn::BitCast(d, hn::InterleaveLower(d64, a, b));
+            four[i + 2 * h + 1] = hn::BitCast(d, hn::InterleaveUpper(d64, a, b));
+        }
+    }
+    for (size_t i = 0; i < kTileLines; ++i) {
+        if constexpr (kTileLines == 8) {
+            const PixelVector low = four[i % 4], high = four[i % 4 + 4];
+            hn::StoreU(
+                i < 4 ? hn::ConcatLowerLower(d, high, low) : hn::ConcatUpperUpper(d, high, low), d,
+                to + i * toStep);
+        } else {
+            hn::StoreU(four[i], d, to + i * toStep);
+        }
+    }
+}
+
+// Turns `lines` rows of `length` pixels, `step` words apart, into a tile of `lanes` words a pixel:
+// word i * lanes + l is pixel i of row l. Lanes without a row keep what they held.
+HWY_INLINE void gatherRows(const uint32_t* rows, size_t step, size_t lines, size_t length,
+                           uint32_t* tile, size_t lanes) {
+    for (size_t l = 0; l < lines; l += kTileLines) {
+        const size_t some = std::min(kTileLines, lines - l);
+        size_t i = 0;
+        for (; some == kTileLines && i + kTileLines <= length; i += kTileLines) {
+            transposeBlock(rows + l * step + i, step, tile + i * lanes + l, lanes);
+        }
+        for (; i < length; ++i) {
+            for (size_t k = l; k < l + some; ++k) tile[i * lanes + k] = rows[k * step + i];
+        }
+    }
+}
+
+// The way back.
+HWY_INLINE void scatterRows(const uint32_t* tile, size_t lanes, size_t lines, size_t length,
+                            uint32_t* rows, size_t step) {
+    for (size_t l = 0; l < lines; l += kTileLines) {
+        const size_t some = std::min(kTileLines, lines - l);
+        size_t i = 0;
+        for (; some == kTileLines && i + kTileLines <= length; i += kTileLines) {
+            transposeBlock(tile + i * lanes + l, lanes, rows + l * step + i, step);
+        }
+        for (; i < length; ++i) {
+            for (size_t k = l; k < l + some; ++k) rows[k * step + i] = tile[i * lanes + k];
+        }
+    }
+}
+
+// Copies `length` rows of `lines` pixels between places whose rows lie `fromStep` and `toStep`
+// apart.
+HWY_INLINE void copyLines(const uint32_t* from, size_t fromStep, size_t lines, size_t length,
+                          uint32_t* to, size_t toStep) {
+    for (size_t i = 0; i < length; ++i) std::copy_n(from + i * fromStep, lines, to + i * toStep);
+}
+
+// The quotient of each lane.
+HWY_INLINE PixelVector divideByReciprocal(PixelVector sum, const Divisor& divisor) {
+    const Pixels d;
+    const hn::Repartition<uint64_t, Pixels> d64;
+    const auto reciprocal = hn::Set(d, divisor.reciprocal);
+    const auto odd = hn::BitCast(d, hn::ShiftRight<32>(hn::BitCast(d64, sum)));
+    const auto low = hn::ShiftRight<40>(hn::MulEven(sum, reciprocal));
+    const auto high = hn::ShiftLeft<32>(hn::ShiftRight<40>(hn::MulEven(odd, reciprocal)));
+    return hn::BitCast(d, hn::Or(low, high));
+}
+
+// The first word at or behind `scratch` that starts a cache line.
+HWY_INLINE uint32_t* alignedScratch(uint32_t* scratch) {
+    return reinterpret_cast<uint32_t*>((reinterpret_cast<uintptr_t>(scratch) + 63) &
+                                       ~uintptr_t{63});
+}
+
+}  // namespace android::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif  // per target

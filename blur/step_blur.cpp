@@ -1,0 +1,229 @@
+#include "blur/step_blur.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "blur/step_blur.cpp"
+#include "hwy/foreach_target.h"  // compiles the rest of this file once per instruction set
+#include "hwy/highway.h"
+//
+#include "blur/lanes-inl.h"
+
+// A pass takes as many lines as a vector has 16-bit lanes, and one channel of them at a time. It
+// lays out the channel's bytes along the lines, with the first and the last one repeated in front
+// and behind, and their prefix sums. The first output is the weighted sum itself; each further one
+// adds the plan's terms to the one before:
+//
+//     sum(y) = sum(y - 1) + pieces of { term.weight * row[y + term.row] }
+//
+// Four outputs that follow each other share the fetching of a term.
+
+HWY_BEFORE_NAMESPACE();
+namespace android::HWY_NAMESPACE {
+
+#if HWY_TARGET != HWY_SCALAR
+
+using Lanes = hn::Repartition<uint16_t, Pixels>;  // twice the lines of a tile
+using LaneVector = hn::Vec<Lanes>;
+constexpr size_t kLines = hn::MaxLanes(Lanes());
+constexpr size_t kOutputs = 4;
+
+// The lanes of two tiles' vectors, in two vectors or in one: sums of 32 bits and values of 16.
+struct WideVector {
+    PixelVector lower, upper;
+};
+
+HWY_INLINE WideVector widen(LaneVector lanes) {
+    const Pixels d;
+    const Lanes d16;
+    const auto zero = hn::Zero(d16);
+    return {hn::BitCast(d, hn::InterleaveLower(d16, lanes, zero)),
+            hn::BitCast(d, hn::InterleaveUpper(d16, lanes, zero))};
+}
+
+HWY_INLINE LaneVector narrow(WideVector wide) {
+    const hn::RebindToSigned<Pixels> di;
+    const hn::RebindToSigned<Lanes> di16;
+    return hn::BitCast(Lanes(), hn::ReorderDemote2To(di16, hn::BitCast(di, wide.lower),
+                                                     hn::BitCast(di, wide.upper)));
+}
+
+// One channel of the pixel words at `words`.
+template <int kChannel>
+HWY_INLINE LaneVector channelOf(const uint32_t* words) {
+    const Pixels d;
+    const auto byte = hn::Set(d, 0xFF);
+    const auto part = [&](PixelVector v) { return hn::And(hn::ShiftRight<8 * kChannel>(v), byte); };
+    return narrow({part(hn::LoadU(d, words)), part(hn::LoadU(d, words + kTileLines))});
+}
+
+// Puts the quotients of `sum` into one channel of the pixel words at `words`. The first channel
+// sets alpha.
+template <int kChannel>
+HWY_INLINE void putChannel(WideVector sum, const Divisor& divisor, uint32_t* words) {
+    const Pixels d;
+    const auto put = [&](PixelVector v, uint32_t* at) {
+        const auto kept = hn::And(hn::LoadU(d, at), hn::Set(d, ~(uint32_t{0xFF} << 8 * kChannel)));
+        const auto byte = hn::ShiftLeft<8 * kChannel>(divideByReciprocal(v, divisor));
+        hn::StoreU(hn::Or(hn::Or(kept, hn::Set(d, 0xFF000000)), byte), d, at);
+    };
+    put(sum.lower, words);
+    put(sum.upper, words + kTileLines);
+}
+
+// Lays out the bytes of one channel with their borders, then their prefix sums.
+template <int kChannel>
+HWY_INLINE void layOut(const uint32_t* lines, size_t step, size_t length, const StepPlan& plan,
+                       uint16_t* rows) {
+    const Lanes d16;
+    const size_t border = static_cast<size_t>(plan.border), count = static_cast<size_t>(plan.rows);
+    for (size_t i = 0; i < length; ++i) {
+        hn::Store(channelOf<kChannel>(lines + i * step), d16, rows + (border + i) * kLines);
+    }
+    const auto first = hn::Load(d16, rows + border * kLines);
+    const auto last = hn::Load(d16, rows + (border + length - 1) * kLines);
+    for (size_t i = 0; i < border; ++i) hn::Store(first, d16, rows + i * kLines);
+    for (size_t i = border + length; i < count; ++i) hn::Store(last, d16, rows + i * kLines);
+    auto sum = hn::Zero(d16);
+    for (size_t i = 0; i < count; ++i) {
+        sum = hn::Add(sum, hn::Load(d16, rows + i * kLines));
+        hn::Store(sum, d16, rows + (count + i) * kLines);
+    }
+    for (size_t t = 0; t < plan.gapCount; ++t) {
+        const size_t gap = static_cast<size_t>(plan.gaps[t]);
+        uint16_t* table = rows + (2 + t) * count * kLines;
+        for (size_t i = 0; i + gap < count; ++i) {
+            const auto early = hn::Load(d16, rows + i * kLines);
+            const auto late = hn::Load(d16, rows + (i + gap) * kLines);
+            hn::Store(hn::Add(early, late), d16, table + i * kLines);
+        }
+    }
+}
+
+HWY_INLINE WideVector firstSum(const StepPlan& plan, const uint16_t* rows) {
+    const Pixels d;
+    WideVector sum = {hn::Zero(d), hn::Zero(d)};
+    for (size_t i = 0; i <= static_cast<size_t>(plan.reach); ++i) {
+        const size_t row = static_cast<size_t>(plan.border) + i;
+        const WideVector bytes = widen(hn::Load(Lanes(), rows + row * kLines));
+        const auto weight = hn::Set(d, plan.start[i]);
+        sum.lower = hn::Add(sum.lower, hn::Mul(bytes.lower, weight));
+        sum.upper = hn::Add(sum.upper, hn::Mul(bytes.upper, weight));
+    }
+    return sum;
+}
+
+// The changes of kOutputs sums, from output `y` on.
+HWY_INLINE void changesOf(const StepPlan& plan, const uint16_t* rows, size_t y,
+                          WideVector change[kOutputs]) {
+    const Pixels d;
+    const Lanes d16;
+    for (size_t o = 0; o < kOutputs; ++o) {
+        change[o].lower = change[o].upper = hn::Set(d, 0u - plan.bias);
+    }
+    const StepTerm* term = plan.terms.get();
+    for (size_t p = 0; p < plan.pieceCount; ++p) {
+        const StepPiece& piece = plan.pieces[p];
+        const auto bias = hn::BitCast(d16, hn::Set(d, piece.bias));
+        LaneVector part0 = bias, part1 = bias, part2 = bias, part3 = bias;
+        for (const StepTerm* end = plan.terms.get() + piece.end; term < end; ++term) {
+            const uint16_t* row = rows + (y + static_cast<size_t>(term->row)) * kLines;
+            const auto weight = hn::BitCast(d16, hn::Set(d, term->weight));
+            part0 = hn::Add(part0, hn::Mul(weight, hn::Load(d16, row)));
+            part1 = hn::Add(part1, hn::Mul(weight, hn::Load(d16, row + kLines)));
+            part2 = hn::Add(part2, hn::Mul(weight, hn::Load(d16, row + 2 * kLines)));
+            part3 = hn::Add(part3, hn::Mul(weight, hn::Load(d16, row + 3 * kLines)));
+        }
+        const LaneVector parts[kOutputs] = {part0, part1, part2, part3};
+        for (size_t o = 0; o < kOutputs; ++o) {
+            const WideVector wide = widen(parts[o]);
+            change[o].lower = hn::Add(change[o].lower, wide.lower);
+            change[o].upper = hn::Add(change[o].upper, wide.upper);
+        }
+    }
+}
+
+template <int kChannel>
+HWY_INLINE void blurChannel(uint32_t* lines, size_t step, size_t length, const PassPlan& plan,
+                            uint16_t* rows) {
+    layOut<kChannel>(lines, step, length, plan.steps, rows);
+    WideVector sum = firstSum(plan.steps, rows);
+    putChannel<kChannel>(sum, plan.divisor, lines);
+    for (size_t y = 1; y < length; y += kOutputs) {
+        WideVector change[kOutputs];
+        changesOf(plan.steps, rows, y, change);
+        for (size_t o = 0; o < kOutputs && y + o < length; ++o) {
+            sum.lower = hn::Add(sum.lower, change[o].lower);
+            sum.upper = hn::Add(sum.upper, change[o].upper);
+            putChannel<kChannel>(sum, plan.divisor, lines + (y + o) * step);
+        }
+    }
+}
+
+// Blurs kLines lines, in place: pixel i of the lines is the kLines words at lines + i * step.
+HWY_INLINE void blurLines(uint32_t* lines, size_t step, size_t length, const PassPlan& plan,
+                          uint16_t* rows) {
+    blurChannel<0>(lines, step, length, plan, rows);
+    blurChannel<1>(lines, step, length, plan, rows);
+    blurChannel<2>(lines, step, length, plan, rows);
+}
+
+void blurRowsBySteps(const BitmapStruct& bitmap, const PassPlan& plan, uint32_t* scratch) {
+    const size_t width = static_cast<size_t>(bitmap.width);
+    const size_t height = static_cast<size_t>(bitmap.height);
+    uint32_t* tile = alignedScratch(scratch);
+    uint16_t* rows = reinterpret_cast<uint16_t*>(tile + width * kLines);
+    for (size_t y = 0; y < height; y += kLines) {
+        const size_t lines = std::min(kLines, height - y);
+        uint32_t* from = bitmap.pixels + y * width;
+        gatherRows(from, width, lines, width, tile, kLines);
+        blurLines(tile, kLines, width, plan, rows);
+        scatterRows(tile, kLines, lines, width, from, width);
+    }
+}
+
+void blurColumnsBySteps(const BitmapStruct& bitmap, const PassPlan& plan, uint32_t* scratch) {
+    const size_t width = static_cast<size_t>(bitmap.width);
+    const size_t height = static_cast<size_t>(bitmap.height);
+    uint32_t* tile = alignedScratch(scratch);
+    uint16_t* rows = reinterpret_cast<uint16_t*>(tile + height * kLines);
+    for (size_t x = 0; x < width; x += kLines) {
+        const size_t lines = std::min(kLines, width - x);
+        copyLines(bitmap.pixels + x, width, lines, height, tile, kLines);
+        blurLines(tile, kLines, height, plan, rows);
+        copyLines(tile, kLines, lines, height, bitmap.pixels + x, width);
+    }
+}
+
+size_t stepScratchWords(const PassPlan& plan, size_t length) {
+    const size_t tables = 2 + plan.steps.gapCount;
+    return 16 + length * kLines + tables * static_cast<size_t>(plan.steps.rows) * kLines / 2;
+}
+
+#else  // one lane: the caller has something simpler
+
+void blurRowsBySteps(const BitmapStruct&, const PassPlan&, uint32_t*) {}
+void blurColumnsBySteps(const BitmapStruct&, const PassPlan&, uint32_t*) {}
+size_t stepScratchWords(const PassPlan&, size_t) { return 0; }
+
+#endif
+}  // namespace android::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace android {
+HWY_EXPORT(blurRowsBySteps);
+HWY_EXPORT(blurColumnsBySteps);
+HWY_EXPORT(stepScratchWords);
+
+void blurRowsBySteps(const BitmapStruct& bitmap, const PassPlan& plan, uint32_t* scratch) {
+    HWY_DYNAMIC_DISPATCH(blurRowsBySteps)(bitmap, plan, scratch);
+}
+
+void blurColumnsBySteps(const BitmapStruct& bitmap, const PassPlan& plan, uint32_t* scratch) {
+    HWY_DYNAMIC_DISPATCH(blurColumnsBySteps)(bitmap, plan, scratch);
+}
+
+size_t stepScratchWords(const PassPlan& plan, size_t length) {
+    return HWY_DYNAMIC_DISPATCH(stepScratchWords)(plan, length);
+}
+}  // namespace android
+#endif

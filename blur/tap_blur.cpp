@@ -1,0 +1,241 @@
+#include "blur/tap_blur.h"
+
+#include <cstring>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "blur/tap_blur.cpp"
+#include "hwy/cache_control.h"
+#include "hwy/foreach_target.h"  // compiles the rest of this file once per instruction set
+#include "hwy/highway.h"
+//
+#include "blur/lanes-inl.h"
+
+// A pass takes a tile of lines at a time, one a lane, and walks along them. Of each two pixels that
+// follow each other on a line it makes a pair a channel, the earlier pixel in the lower half of a
+// 32-bit lane, the later one in the upper half:
+//
+//     pixels   p0 p1 | p2 p3 | p4 p5 | ...          five taps, outputs 0 and 1:
+//     even     k0 k1 | k2 k3 | k4  0                A0 = k0 p0 + k1 p1 + ... + k4 p4
+//     odd       0 k0 | k1 k2 | k3 k4                A1 = k0 p1 + k1 p2 + ... + k4 p5
+//
+// One multiply-add takes a pair with its two weights, and each pair is loaded once for two outputs.
+// The lanes stay 32 bits wide from the pixel word to the sum, the quotient and the pixel word
+// again, so nothing is shuffled but the rows of the horizontal pass, which are turned into lanes
+// and back.
+
+HWY_BEFORE_NAMESPACE();
+namespace android::HWY_NAMESPACE {
+
+#if HWY_TARGET != HWY_SCALAR
+
+constexpr size_t kGroup = 8;   // tiles side by side in a column pass: whole cache lines
+constexpr size_t kChunk = 64;  // outputs between two moves of the pairs
+constexpr size_t kAhead = 16;  // rows fetched ahead in a column pass, whose rows lie pages apart
+
+constexpr size_t kPairWords = 3 * kTileLines;
+
+HWY_INLINE void makePair(PixelVector early, PixelVector late, uint32_t* pair) {
+    const Pixels d;
+    const hn::Repartition<uint16_t, Pixels> d16;
+    const auto bytes = hn::Set(d, 0x00FF00FF);
+    const auto redBlue0 = hn::And(early, bytes), redBlue1 = hn::And(late, bytes);
+    const auto green0 = hn::And(hn::ShiftRight<8>(early), bytes);
+    const auto green1 = hn::And(hn::ShiftRight<8>(late), bytes);
+    const auto join = [&](PixelVector upper, PixelVector lower) {
+        return hn::BitCast(d, hn::OddEven(hn::BitCast(d16, upper), hn::BitCast(d16, lower)));
+    };
+    hn::Store(join(hn::ShiftLeft<16>(redBlue1), redBlue0), d, pair);
+    hn::Store(join(hn::ShiftLeft<16>(green1), green0), d, pair + kTileLines);
+    hn::Store(join(redBlue1, hn::ShiftRight<16>(redBlue0)), d, pair + 2 * kTileLines);
+}
+
+// The quotient of each lane, for sums that already hold the gap when it is a near one.
+template <bool kNear>
+HWY_INLINE PixelVector divide(PixelVector sum, const Divisor& divisor) {
+    const Pixels d;
+    const hn::Repartition<uint16_t, Pixels> d16;
+    if constexpr (kNear) {
+        const auto high = hn::BitCast(d16, hn::ShiftRight<16>(sum));
+        const auto gap = hn::BitCast(d16, hn::Set(d, divisor.gap));
+        return hn::ShiftRight<16>(hn::Add(sum, hn::BitCast(d, hn::Mul(high, gap))));
+    } else {
+        return divideByReciprocal(sum, divisor);
+    }
+}
+
+// Two outputs of a tile that start at the same pair; the second one is dropped when `two` is false.
+template <bool kNear>
+HWY_INLINE void blurTwo(const uint32_t* HWY_RESTRICT pairs, const PassPlan& plan,
+                        uint32_t* HWY_RESTRICT out, size_t step, bool two) {
+    const Pixels d;
+    const hn::RebindToSigned<Pixels> sums;
+    const hn::Repartition<int16_t, Pixels> d16;
+    const auto zero = hn::Zero(sums);
+    const auto gap = kNear ? hn::BitCast(sums, hn::Set(d, plan.divisor.gap)) : zero;
+    // Where a target adds the two products of a lane at once, the second sums stay 0.
+    auto red0 = gap, green0 = gap, blue0 = gap, red1 = gap, green1 = gap, blue1 = gap;
+    auto red0b = zero, green0b = zero, blue0b = zero, red1b = zero, green1b = zero, blue1b = zero;
+    const uint32_t* weights = plan.taps.weights.get();
+    for (size_t round = 0; round < plan.taps.rounds; ++round) {
+        const uint32_t* pair = pairs;
+#pragma GCC unroll 4
+        for (size_t i = 0; i < plan.taps.pairs; ++i) {
+            const auto even = hn::BitCast(d16, hn::Set(d, weights[0]));
+            const auto odd = hn::BitCast(d16, hn::Set(d, weights[1]));
+            const auto red = hn::BitCast(d16, hn::Load(d, pair));
+            const auto green = hn::BitCast(d16, hn::Load(d, pair + kTileLines));
+            const auto blue = hn::BitCast(d16, hn::Load(d, pair + 2 * kTileLines));
+            red0 = hn::ReorderWidenMulAccumulate(sums, red, even, red0, red0b);
+            green0 = hn::ReorderWidenMulAccumulate(sums, green, even, green0, green0b);
+            blue0 = hn::ReorderWidenMulAccumulate(sums, blue, even, blue0, blue0b);
+            red1 = hn::ReorderWidenMulAccumulate(sums, red, odd, red1, red1b);
+            green1 = hn::ReorderWidenMulAccumulate(sums, green, odd, green1, green1b);
+            blue1 = hn::ReorderWidenMulAccumulate(sums, blue, odd, blue1, blue1b);
+            weights += 2;
+            pair += kPairWords;
+        }
+    }
+    const auto byte = [&](auto sum, auto sumB) {
+        return divide<kNear>(hn::BitCast(d, hn::RearrangeToOddPlusEven(sum, sumB)), plan.divisor);
+    };
+    const auto word = [&](PixelVector red, PixelVector green, PixelVector blue) {
+        const auto upper = hn::Or(hn::ShiftLeft<16>(blue), hn::Set(d, 0xFF000000));
+        return hn::Or(hn::Or(red, hn::ShiftLeft<8>(green)), upper);
+    };
+    hn::StoreU(word(byte(red0, red0b), byte(green0, green0b), byte(blue0, blue0b)), d, out);
+    if (!two) return;
+    hn::StoreU(word(byte(red1, red1b), byte(green1, green1b), byte(blue1, blue1b)), d, out + step);
+}
+
+// Blurs `tiles` tiles side by side, in place: pixel i of the lines is the vectors at lines + i *
+// step. Pairs are made ahead of the outputs, so a pixel is taken before it is written. Before
+// pixels up to `end` are read, fetch(end) is called; once the outputs from `begin` to `end` are
+// written, deliver(begin, end).
+template <bool kNear, typename Fetch, typename Deliver>
+HWY_INLINE void blurTiles(uint32_t* lines, size_t step, size_t length, size_t tiles,
+                          const PassPlan& plan, uint32_t* pairs, Fetch fetch, Deliver deliver) {
+    const Pixels d;
+    const size_t reach = static_cast<size_t>(plan.taps.reach);
+    const size_t tileWords = (kChunk / 2 + plan.taps.pairs) * kPairWords;
+    const auto pixel = [&](size_t entry) {
+        return lines + std::min(std::max(entry, reach) - reach, length - 1) * step;
+    };
+    size_t first = 0, made = 0;  // pairs: the one at the front of the buffers, the next to make
+    for (size_t x = 0; x < length; x += kChunk) {
+        const size_t end = std::min(length, x + kChunk);
+        for (size_t t = 0; x > 0 && t < tiles; ++t) {
+            uint32_t* front = pairs + t * tileWords;
+            std::memmove(front, front + (x / 2 - first) * kPairWords,
+                         (made - x / 2) * kPairWords * sizeof(uint32_t));
+        }
+        first = x / 2;
+        fetch(std::min(length, end + reach + 1));
+        for (; made < (end + 1) / 2 + plan.taps.pairs - 1; ++made) {
+            const uint32_t *early = pixel(2 * made), *late = pixel(2 * made + 1);
+            const uint32_t* next = pixel(2 * made + kAhead);
+            const uint32_t* after = pixel(2 * made + kAhead + 1);
+            for (size_t w = 0; tiles > 1 && w < tiles * kTileLines; w += 16) {
+                hwy::Prefetch(next + w);
+                hwy::Prefetch(after + w);
+            }
+            for (size_t t = 0; t < tiles; ++t) {
+                makePair(hn::LoadU(d, early + t * kTileLines), hn::LoadU(d, late + t * kTileLines),
+                         pairs + t * tileWords + (made - first) * kPairWords);
+            }
+        }
+        for (size_t o = x; o < end; o += 2) {
+            for (size_t t = 0; t < tiles; ++t) {
+                blurTwo<kNear>(pairs + t * tileWords + (o / 2 - first) * kPairWords, plan,
+                               lines + o * step + t * kTileLines, step, o + 1 < end);
+            }
+        }
+        deliver(x, end);
+    }
+}
+
+template <typename Fetch, typename Deliver>
+HWY_INLINE void blurTiles(uint32_t* lines, size_t step, size_t length, size_t tiles,
+                          const PassPlan& plan, uint32_t* pairs, Fetch fetch, Deliver deliver) {
+    if (plan.divisor.gap <= kNearGap) {
+        blurTiles<true>(lines, step, length, tiles, plan, pairs, fetch, deliver);
+    } else {
+        blurTiles<false>(lines, step, length, tiles, plan, pairs, fetch, deliver);
+    }
+}
+
+void blurRowsByTaps(const BitmapStruct& bitmap, const PassPlan& plan, uint32_t* scratch) {
+    const size_t width = static_cast<size_t>(bitmap.width);
+    const size_t height = static_cast<size_t>(bitmap.height);
+    uint32_t* tile = alignedScratch(scratch);
+    uint32_t* pairs = tile + width * kTileLines;
+    for (size_t y = 0; y < height; y += kTileLines) {
+        const size_t lines = std::min(kTileLines, height - y);
+        uint32_t* rows = bitmap.pixels + y * width;
+        // Turned over little by little, while the first-level cache still holds the pixels.
+        size_t fetched = 0;
+        const auto fetch = [&](size_t end) {
+            end = std::min(width, (end + kTileLines - 1) / kTileLines * kTileLines);
+            if (end <= fetched) return;
+            gatherRows(rows + fetched, width, lines, end - fetched, tile + fetched * kTileLines,
+                       kTileLines);
+            fetched = end;
+        };
+        const auto deliver = [&](size_t begin, size_t end) {
+            scatterRows(tile + begin * kTileLines, kTileLines, lines, end - begin, rows + begin,
+                        width);
+        };
+        blurTiles(tile, kTileLines, width, 1, plan, pairs, fetch, deliver);
+    }
+}
+
+void blurColumnsByTaps(const BitmapStruct& bitmap, const PassPlan& plan, uint32_t* scratch) {
+    const size_t width = static_cast<size_t>(bitmap.width);
+    const size_t height = static_cast<size_t>(bitmap.height);
+    uint32_t* tile = alignedScratch(scratch);
+    uint32_t* pairs = tile + height * kTileLines;
+    const auto nothing = [](auto...) {};
+    size_t x = 0;
+    for (size_t tiles; (tiles = std::min(kGroup, (width - x) / kTileLines)) > 0;
+         x += tiles * kTileLines) {
+        blurTiles(bitmap.pixels + x, width, height, tiles, plan, pairs, nothing, nothing);
+    }
+    if (x == width) return;
+    copyLines(bitmap.pixels + x, width, width - x, height, tile, kTileLines);
+    blurTiles(tile, kTileLines, height, 1, plan, pairs, nothing, nothing);
+    copyLines(tile, kTileLines, width - x, height, bitmap.pixels + x, width);
+}
+
+size_t tapScratchWords(const PassPlan& plan, size_t length, size_t lines) {
+    const size_t tiles = std::min(kGroup, lines / kTileLines + 1);
+    return 16 + length * kTileLines + tiles * (kChunk / 2 + plan.taps.pairs) * kPairWords;
+}
+
+#else  // one lane: the caller has something simpler
+
+void blurRowsByTaps(const BitmapStruct&, const PassPlan&, uint32_t*) {}
+void blurColumnsByTaps(const BitmapStruct&, const PassPlan&, uint32_t*) {}
+size_t tapScratchWords(const PassPlan&, size_t, size_t) { return 0; }
+
+#endif
+}  // namespace android::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace android {
+HWY_EXPORT(blurRowsByTaps);
+HWY_EXPORT(blurColumnsByTaps);
+HWY_EXPORT(tapScratchWords);
+
+void blurRowsByTaps(const BitmapStruct& bitmap, const PassPlan& plan, uint32_t* scratch) {
+    HWY_DYNAMIC_DISPATCH(blurRowsByTaps)(bitmap, plan, scratch);
+}
+
+void blurColumnsByTaps(const BitmapStruct& bitmap, const PassPlan& plan, uint32_t* scratch) {
+    HWY_DYNAMIC_DISPATCH(blurColumnsByTaps)(bitmap, plan, scratch);
+}
+
+size_t tapScratchWords(const PassPlan& plan, size_t length, size_t lines) {
+    return HWY_DYNAMIC_DISPATCH(tapScratchWords)(plan, length, lines);
+}
+}  // namespace android
+#endif
