@@ -9,7 +9,7 @@ namespace {
 
 constexpr int32_t kMaxWeight = 32767;  // of one multiplication
 constexpr int32_t kPieceSpan = 257;    // 255 * 257 = 65535
-constexpr int32_t kMaxGap = 8;
+constexpr int32_t kWidestGap = 16;     // of two pixels whose sum is a term
 
 template <typename T>
 bool allocate(std::unique_ptr<T[]>& array, size_t count) {
@@ -122,14 +122,49 @@ bool makeChanges(const int32_t* folded, int32_t reach, bool isFolded, Changes* c
     return chooseSlopes(changes);
 }
 
-// The first row of the table for two pixels `gap` rows apart, which is added if need be; -1 when
-// there is no more room for it.
-int32_t gapTable(int32_t gap, StepPlan* plan) {
-    size_t i = 0;
-    while (i < plan->gapCount && plan->gaps[i] != gap) ++i;
-    if (i == kMaxTables) return -1;
-    if (i == plan->gapCount) plan->gaps[plan->gapCount++] = gap;
-    return (static_cast<int32_t>(i) + 2) * plan->rows;
+// Calls pair(row, gap, weight) for every two rests that are alike and at most kWidestGap rows apart
+// in [begin, end) and single(row, weight) for the others, a pair only where `wanted(gap)`. Change j
+// belongs to pixel j - reach - 1, which is row j + 1 of the bordered pixels: the border has a row
+// more for the prefix sum in front of the first change.
+template <typename Wanted, typename Pair, typename Single>
+void walkRests(const Changes& changes, size_t begin, size_t end, Wanted wanted, Pair pair,
+               Single single) {
+    int32_t row = 0, weight = 0;  // of the rest that waits for another one
+    for (size_t j = begin; j < end; ++j) {
+        const int32_t rest = changes.change[j] - changes.slope[j];
+        if (rest == 0) continue;
+        const int32_t gap = static_cast<int32_t>(j) + 1 - row;
+        if (rest == weight && gap <= kWidestGap && wanted(gap)) {
+            pair(row, gap, weight);
+            weight = 0;
+        } else {
+            if (weight != 0) single(row, weight);
+            row += gap;
+            weight = rest;
+        }
+    }
+    if (weight != 0) single(row, weight);
+}
+
+// Gives tables to the gaps that save the most terms.
+void chooseGaps(const Changes& changes, StepPlan* plan) {
+    int32_t uses[kWidestGap + 1] = {};
+    walkRests(
+        changes, 0, changes.count, [](int32_t) { return true; },
+        [&](int32_t, int32_t gap, int32_t) { ++uses[gap]; }, [](int32_t, int32_t) {});
+    plan->gapCount = 0;
+    while (plan->gapCount < kMaxGaps) {
+        int32_t* most = std::max_element(uses, uses + kWidestGap + 1);
+        if (*most == 0) return;
+        plan->gaps[plan->gapCount++] = static_cast<int32_t>(most - uses);
+        *most = 0;
+    }
+}
+
+// The number of the table for `gap`; the number of tables when it has none.
+size_t gapTable(int32_t gap, const StepPlan& plan) {
+    return 2 +
+           static_cast<size_t>(std::find(plan.gaps, plan.gaps + plan.gapCount, gap) - plan.gaps);
 }
 
 void addTerm(int32_t row, int32_t weight, StepPlan* plan) {
@@ -137,31 +172,22 @@ void addTerm(int32_t row, int32_t weight, StepPlan* plan) {
 }
 
 // Appends the terms of the changes [begin, end) and their bias; the prefix sums start and end
-// within the piece. Change j belongs to pixel j - reach - 1, which is row j + 1 of the bordered
-// pixels: the border has a row more for the prefix sum in front of the first change.
+// within the piece.
 void addPiece(const Changes& changes, size_t begin, size_t end, StepPlan* plan) {
-    int32_t negative = 0, slope = 0, waitingRow = 0, waiting = 0;
+    int32_t negative = 0, slope = 0;
     for (size_t j = begin; j < end; ++j) {
-        const int32_t row = static_cast<int32_t>(j) + 1;
-        addTerm(plan->rows + row - 1, slope - changes.slope[j], plan);
+        addTerm(plan->rows + static_cast<int32_t>(j), slope - changes.slope[j], plan);
         slope = changes.slope[j];
         negative -= std::min(changes.change[j], 0);
-
-        const int32_t rest = changes.change[j] - slope;
-        if (rest == 0) continue;
-        const int32_t table =
-            rest == waiting && row - waitingRow <= kMaxGap ? gapTable(row - waitingRow, plan) : -1;
-        if (table >= 0) {
-            addTerm(table + waitingRow, rest, plan);
-            waiting = 0;
-        } else {
-            addTerm(waitingRow, waiting, plan);
-            waiting = rest;
-            waitingRow = row;
-        }
     }
-    addTerm(waitingRow, waiting, plan);
     addTerm(plan->rows + static_cast<int32_t>(end), slope, plan);
+    walkRests(
+        changes, begin, end,
+        [plan](int32_t gap) { return gapTable(gap, *plan) < 2 + plan->gapCount; },
+        [plan](int32_t row, int32_t gap, int32_t weight) {
+            addTerm(static_cast<int32_t>(gapTable(gap, *plan)) * plan->rows + row, weight, plan);
+        },
+        [plan](int32_t row, int32_t weight) { addTerm(row, weight, plan); });
     const int32_t bias = 255 * negative;
     plan->pieces[plan->pieceCount++] = {plan->termCount, halves(bias, bias)};
     plan->bias += static_cast<uint32_t>(bias);
@@ -183,7 +209,7 @@ bool planSteps(const int32_t* folded, int32_t reach, int32_t length, StepPlan* p
 
     plan->reach = reach;
     plan->border = reach + 2;
-    plan->rows = length + 2 * plan->border + 6;  // 6: outputs are taken eight at a time
+    plan->rows = length + 2 * plan->border + 2;  // 2: outputs are taken four at a time
     // A piece is closed when the next change does not fit, so two neighbours exceed the span.
     const size_t pieces = static_cast<size_t>(2 * total / kPieceSpan) + 2;
     if (!allocate(plan->start, static_cast<size_t>(reach) + 1) ||
@@ -194,6 +220,7 @@ bool planSteps(const int32_t* folded, int32_t reach, int32_t length, StepPlan* p
         plan->start[static_cast<size_t>(std::max(i - reach, 0))] +=
             static_cast<uint32_t>(folded[i]);
     }
+    chooseGaps(changes, plan);
     size_t begin = 0;
     int32_t span = 0;
     for (size_t j = 0; j < changes.count; ++j) {
@@ -210,8 +237,9 @@ bool planSteps(const int32_t* folded, int32_t reach, int32_t length, StepPlan* p
 }
 
 // Measured on x86-64 with AVX2, in hundredths of a nanosecond for 16 outputs of one channel.
-bool stepsAreCheaper(const StepPlan& steps, const TapPlan& taps) {
-    const size_t stepCost = 25 * steps.termCount + 100 * steps.pieceCount + 1500;
+bool stepsAreCheaper(const StepPlan& steps, const TapPlan& taps, int32_t length) {
+    const size_t layOut = (2 + steps.gapCount) * static_cast<size_t>(steps.rows / length);
+    const size_t stepCost = 18 * steps.termCount + 90 * steps.pieceCount + 15 * layOut + 1000;
     const size_t tapCost = 32 * taps.pairs * taps.rounds + 600;
     return stepCost < tapCost;
 }
@@ -246,7 +274,7 @@ bool makePassPlan(const int32_t* kernel, int32_t size, int32_t norm, int32_t len
     if (reach < kNarrow) return true;
     bool possible = false;
     if (!planSteps(folded.get(), reach, length, &plan->steps, &possible)) return false;
-    if (!possible || !stepsAreCheaper(plan->steps, plan->taps)) {
+    if (!possible || !stepsAreCheaper(plan->steps, plan->taps, length)) {
         plan->steps.terms.reset();
     }
     return true;

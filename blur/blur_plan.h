@@ -48,8 +48,8 @@ struct TapPlan {
 // cut into pieces whose true sum spans at most 65536 values, so the wrapped sum tells the true one.
 //
 // The tables lie behind each other, `rows` rows each: the pixels with their borders, their prefix
-// sums, and for every gap that is used the sums of row i and row i + gap.
-constexpr size_t kMaxTables = 12;
+// sums, and for a few gaps the sums of row i and row i + gap.
+constexpr size_t kMaxGaps = 4;
 struct StepTerm {
     int32_t row;      // added to the output's number: a row of one of the tables
     uint32_t weight;  // twice the same 16 bits
@@ -59,9 +59,9 @@ struct StepPiece {
     uint32_t bias;  // keeps the sum from 0 to 65535; twice the same 16 bits
 };
 struct StepPlan {
-    int32_t border;            // rows in front of the first pixel and behind the last one
-    int32_t rows;              // of a table: the pixels, borders included
-    int32_t gaps[kMaxTables];  // of the tables behind the first two
+    int32_t border;          // rows in front of the first pixel and behind the last one
+    int32_t rows;            // of a table: the pixels, borders included
+    int32_t gaps[kMaxGaps];  // of the tables behind the first two
     size_t gapCount = 0;
     int32_t reach;
     std::unique_ptr<uint32_t[]> start;  // weights of the pixels 0 ... reach in the first output
