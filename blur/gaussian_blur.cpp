@@ -80,7 +80,6 @@ bool tryGaussianBlur(BitmapStruct* bitmap, const int32_t* kernel, int32_t size, 
     const size_t height = static_cast<size_t>(bitmap->height);
     const size_t words =
         std::max(scratchWords(rows, width, height), scratchWords(columns, height, width));
-    if (words == 0) return blurTapByTap(bitmap, kernel, size, norm);
     const std::unique_ptr<uint32_t[]> scratch(new (std::nothrow) uint32_t[words]);
     if (!scratch) return false;
 

@@ -19,8 +19,6 @@
 HWY_BEFORE_NAMESPACE();
 namespace android::HWY_NAMESPACE {
 
-#if HWY_TARGET != HWY_SCALAR
-
 using Lanes = hn::Repartition<uint16_t, Pixels>;  // twice the lines of a tile
 using LaneVector = hn::Vec<Lanes>;
 constexpr size_t kLines = hn::MaxLanes(Lanes());
@@ -198,13 +196,6 @@ size_t stepScratchWords(const PassPlan& plan, size_t length) {
     return 16 + length * kLines + tables * static_cast<size_t>(plan.steps.rows) * kLines / 2;
 }
 
-#else  // one lane: the caller has something simpler
-
-void blurRowsBySteps(const BitmapStruct&, const PassPlan&, uint32_t*) {}
-void blurColumnsBySteps(const BitmapStruct&, const PassPlan&, uint32_t*) {}
-size_t stepScratchWords(const PassPlan&, size_t) { return 0; }
-
-#endif
 }  // namespace android::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

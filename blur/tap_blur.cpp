@@ -26,8 +26,6 @@
 HWY_BEFORE_NAMESPACE();
 namespace android::HWY_NAMESPACE {
 
-#if HWY_TARGET != HWY_SCALAR
-
 constexpr size_t kGroup = 8;   // tiles side by side in a column pass: whole cache lines
 constexpr size_t kChunk = 64;  // outputs between two moves of the pairs
 constexpr size_t kAhead = 16;  // rows fetched ahead in a column pass, whose rows lie pages apart
@@ -210,13 +208,6 @@ size_t tapScratchWords(const PassPlan& plan, size_t length, size_t lines) {
     return 16 + length * kTileLines + tiles * (kChunk / 2 + plan.taps.pairs) * kPairWords;
 }
 
-#else  // one lane: the caller has something simpler
-
-void blurRowsByTaps(const BitmapStruct&, const PassPlan&, uint32_t*) {}
-void blurColumnsByTaps(const BitmapStruct&, const PassPlan&, uint32_t*) {}
-size_t tapScratchWords(const PassPlan&, size_t, size_t) { return 0; }
-
-#endif
 }  // namespace android::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

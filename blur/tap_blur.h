@@ -14,8 +14,7 @@ namespace android {
 void blurRowsByTaps(const BitmapStruct& bitmap, const PassPlan& plan, uint32_t* scratch);
 void blurColumnsByTaps(const BitmapStruct& bitmap, const PassPlan& plan, uint32_t* scratch);
 
-// The words of scratch for `lines` lines of `length` pixels; 0 where the processor has no vectors
-// and the passes do nothing.
+// The words of scratch for `lines` lines of `length` pixels.
 size_t tapScratchWords(const PassPlan& plan, size_t length, size_t lines);
 
 }  // namespace android

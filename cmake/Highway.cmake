@@ -9,4 +9,8 @@ else()
     # than SSE4, and AVX-512 measured no faster than AVX2 here.
     set(ZOREN_HIGHWAY_DEFINITIONS "HWY_DISABLED_TARGETS=(HWY_SSSE3|HWY_AVX3|HWY_AVX3_DL)")
     find_library(ZOREN_HIGHWAY_LIBRARY hwy REQUIRED)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+        # GCC's portable target lacks the shuffles that the kernels need, so SSE4 takes its place.
+        set(ZOREN_HIGHWAY_OPTIONS -msse4.2 -maes -mpclmul)
+    endif()
 endif()
