@@ -68,11 +68,20 @@ HWY_INLINE void blurTwo(const uint32_t* HWY_RESTRICT pairs, const PassPlan& plan
     const Pixels d;
     const hn::RebindToSigned<Pixels> sums;
     const hn::Repartition<int16_t, Pixels> d16;
-    const auto zero = hn::Zero(sums);
-    const auto gap = kNear ? hn::BitCast(sums, hn::Set(d, plan.divisor.gap)) : zero;
-    // Where a target adds the two products of a lane at once, the second sums stay 0.
-    auto red0 = gap, green0 = gap, blue0 = gap, red1 = gap, green1 = gap, blue1 = gap;
-    auto red0b = zero, green0b = zero, blue0b = zero, red1b = zero, green1b = zero, blue1b = zero;
+    // The near gap goes in beforehand. Targets that add the two products of a lane at once leave
+    // the second sums alone; NEON keeps the products apart, the lower half's in the first sums and
+    // the upper half's in the second, and adds neighbours in the end.
+#if HWY_TARGET == HWY_NEON
+    const hn::Repartition<uint64_t, Pixels> apart;
+    const auto first = hn::BitCast(sums, hn::Set(apart, kNear ? plan.divisor.gap : 0));
+    const auto second = first;
+#else
+    const auto first = hn::BitCast(sums, hn::Set(d, kNear ? plan.divisor.gap : 0));
+    const auto second = hn::Zero(sums);
+#endif
+    auto red0 = first, green0 = first, blue0 = first, red1 = first, green1 = first, blue1 = first;
+    auto red0b = second, green0b = second, blue0b = second;
+    auto red1b = second, green1b = second, blue1b = second;
     const uint32_t* weights = plan.taps.weights.get();
     for (size_t round = 0; round < plan.taps.rounds; ++round) {
         const uint32_t* pair = pairs;
