@@ -11,5 +11,11 @@ rm -rf "$work"
 mkdir -p "$work"/device/{system/etc,proc/net/xt_qtaguid}
 export ZOREN_DEVICE_ROOT=$work/device ZOREN_LOG_FILE=$work/log LC_ALL=C.UTF-8
 export LD_PRELOAD=libzoren_device_root.so LD_LIBRARY_PATH=$lib
-if [[ $(id -u) != 0 ]]; then set -- unshare -Ur "$@"; fi
+if [[ $(id -u) != 0 ]]; then
+    if ! unshare -Ur true 2>/dev/null; then
+        echo "The configuration is for uid 0: run the tests as root, or where user namespaces are" >&2
+        exit 1
+    fi
+    set -- unshare -Ur "$@"
+fi
 exec "$@"
