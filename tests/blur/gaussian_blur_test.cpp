@@ -16,6 +16,11 @@ using Weights = std::vector<int32_t>;
 const Weights kThree = {17961, 29613, 17961};
 const Weights kRadius10 = reference::calcuGaussianTemplate(39, 10.0f).weights;
 
+// As the blur request derives it.
+reference::Kernel gauss(float radius) {
+    return reference::calcuGaussianTemplate((static_cast<int32_t>(4 * radius) - 1) | 1, radius);
+}
+
 struct Row {
     const char* name;
     Pixels before;  // rows of two
@@ -74,13 +79,15 @@ TEST(GaussianBlur, LeavesUntouched) {
 // Memory is taken before the first pixel is written, and sizes do not wrap at 32 bits.
 TEST(GaussianBlur, LeavesUntouchedWithoutMemory) {
     FakePlatform platform;
-    const Pixels before = {1, 2, 3, 4, 5, 6};
-    const int tries = failEachAllocation([&](FakeLibc& libc) {
-        Image image(2, 3, before);
-        GaussianBlurEffect(&image, kThree.data(), 3, 65535);
-        EXPECT_EQ(image.words() == before, libc.allocationFailed());
-    });
-    EXPECT_GT(tries, 1);
+    // By taps, by steps (a line of 140 under 199 taps), and under a kernel of neither.
+    for (const Weights& kernel : {kThree, gauss(50).weights, Weights{-1, 3, -1}}) {
+        const int tries = failEachAllocation([&](FakeLibc& libc) {
+            Image image(140, 2, Pixels(280, 0x12345678));
+            GaussianBlurEffect(&image, kernel.data(), static_cast<int32_t>(kernel.size()), 65535);
+            EXPECT_EQ(image.words() == Pixels(280, 0x12345678), libc.allocationFailed());
+        });
+        EXPECT_GT(tries, 1);
+    }
 
     FakeLibc libc;
     for (const int32_t size : {INT32_MAX, 0x3FFFFFFF, 0x33333333}) {
@@ -101,11 +108,6 @@ void expectEqualsReference(const Image& source, const Weights& weights, int32_t 
     ASSERT_EQ(actual.words(), expected.words())
         << source.width << " x " << source.height << ", size " << size << ", norm " << norm;
     ASSERT_TRUE(actual.storage.intact());
-}
-
-// As the blur request derives it.
-reference::Kernel gauss(float radius) {
-    return reference::calcuGaussianTemplate((static_cast<int32_t>(4 * radius) - 1) | 1, radius);
 }
 
 // Every remainder of every vector length, in both directions, under light and heavy weights.
