@@ -1,45 +1,31 @@
 #include "analysis/color_cast.h"
 
-#include <algorithm>
 #include <cstdlib>
 
 #include "analysis/hsb_to_rgb.h"
+#include "analysis/hue_counts.h"
 
 namespace android {
 namespace {
 
-constexpr int32_t kSpans = 24;
-constexpr int32_t kBinDegrees = 15;  // a span is two bins
+constexpr int32_t kSpans = kHueBins;  // a span is two bins
+constexpr int32_t kBinDegrees = 360 / kHueBins;
 
 // counter[k] counts the coloured pixels with a hue from 15 k to 15 k + 29 degrees.
-struct HueCounts {
+struct SpanCounts {
     int32_t counter[kSpans];
     int32_t coloured;
 };
 
-// Degrees, 0 to 359, truncated toward zero in each sector. Ties go to the first channel in the
-// order red, green, blue.
-int32_t hueOf(int32_t r, int32_t g, int32_t b, int32_t max, int32_t delta) {
-    if (max == r) return (60 * (g - b) / delta + (g >= b ? 0 : 360)) % 360;
-    if (max == g) return 60 * (b - r) / delta + 120;
-    return 60 * (r - g) / delta + 240;
-}
-
-HueCounts countHues(const uint32_t* pixels, int32_t count) {
-    HueCounts hues = {};
-    for (int32_t i = 0; i < count; ++i) {
-        const int32_t r = static_cast<int32_t>(pixels[i] & 0xFF);
-        const int32_t g = static_cast<int32_t>(pixels[i] >> 8 & 0xFF);
-        const int32_t b = static_cast<int32_t>(pixels[i] >> 16 & 0xFF);
-        const int32_t max = std::max({r, g, b});
-        const int32_t delta = max - std::min({r, g, b});
-        if (max * 100 < 5355 || delta * 100 / max < 13) continue;
-        const int32_t bin = hueOf(r, g, b, max, delta) / kBinDegrees;
-        ++hues.counter[bin];
-        ++hues.counter[(bin + kSpans - 1) % kSpans];
-        ++hues.coloured;
+SpanCounts countSpans(const uint32_t* pixels, size_t count) {
+    int32_t bins[kHueBins];
+    countHues(pixels, count, bins);
+    SpanCounts spans = {};
+    for (int32_t k = 0; k < kSpans; ++k) {
+        spans.counter[k] = bins[k] + bins[(k + 1) % kSpans];
+        spans.coloured += bins[k];
     }
-    return hues;
+    return spans;
 }
 
 struct Ranking {
@@ -48,13 +34,13 @@ struct Ranking {
 
 // One pass in ascending order. A leader that is overtaken is dropped: it does not become the
 // runner-up.
-Ranking rankSpans(const HueCounts& hues) {
+Ranking rankSpans(const SpanCounts& spans) {
     Ranking rank = {0, 1};
-    if (hues.counter[0] < hues.counter[1]) rank = {1, 0};
+    if (spans.counter[0] < spans.counter[1]) rank = {1, 0};
     for (int32_t k = 2; k < kSpans; ++k) {
-        if (hues.counter[k] > hues.counter[rank.leader]) {
+        if (spans.counter[k] > spans.counter[rank.leader]) {
             rank.leader = k;
-        } else if (hues.counter[k] > hues.counter[rank.runnerUp]) {
+        } else if (spans.counter[k] > spans.counter[rank.runnerUp]) {
             rank.runnerUp = k;
         }
     }
@@ -65,12 +51,12 @@ float share(int32_t part, int32_t whole) {
     return static_cast<float>(part) / static_cast<float>(whole);
 }
 
-bool isAccepted(const HueCounts& hues, const Ranking& rank, int32_t pixelCount) {
+bool isAccepted(const SpanCounts& spans, const Ranking& rank, int32_t pixelCount) {
     // The shares are single precision and the limits double, so a share of exactly 5 % passes.
-    if (static_cast<double>(share(hues.coloured, pixelCount)) < 0.05) return false;
-    const float leader = share(hues.counter[rank.leader], hues.coloured);
+    if (static_cast<double>(share(spans.coloured, pixelCount)) < 0.05) return false;
+    const float leader = share(spans.counter[rank.leader], spans.coloured);
     if (static_cast<double>(leader) < 0.4) return false;
-    const float lead = leader - share(hues.counter[rank.runnerUp], hues.coloured);
+    const float lead = leader - share(spans.counter[rank.runnerUp], spans.coloured);
     const int32_t distance = std::abs(rank.leader - rank.runnerUp);
     const bool adjacent = distance == 1 || distance == kSpans - 1;
     return adjacent || !(static_cast<double>(lead) < 0.2);
@@ -86,9 +72,9 @@ int32_t BitmaptoColorCast(const BitmapStruct* bitmap, int32_t saturation, int32_
     if (count > INT32_MAX) return -1;
     const int32_t pixelCount = static_cast<int32_t>(count);
 
-    const HueCounts hues = countHues(bitmap->pixels, pixelCount);
-    const Ranking rank = rankSpans(hues);
-    if (!isAccepted(hues, rank, pixelCount)) return -1;
+    const SpanCounts spans = countSpans(bitmap->pixels, static_cast<size_t>(count));
+    const Ranking rank = rankSpans(spans);
+    if (!isAccepted(spans, rank, pixelCount)) return -1;
 
     const int32_t hue = (kBinDegrees * rank.leader + kBinDegrees) % 360;
     int32_t red, green, blue;

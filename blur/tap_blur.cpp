@@ -1,6 +1,7 @@
 #include "blur/tap_blur.h"
 
 #include <cstring>
+#include <type_traits>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "blur/tap_blur.cpp"
@@ -10,18 +11,20 @@
 //
 #include "blur/lanes-inl.h"
 
-// A pass takes a tile of lines at a time, one a lane, and walks along them. Of each two pixels that
-// follow each other on a line it makes a pair a channel, the earlier pixel in the lower half of a
-// 32-bit lane, the later one in the upper half:
+// A pass takes a tile of lines at a time, one a lane, and walks along them. Of
+// each two pixels that follow each other on a line it makes a pair a channel,
+// the earlier pixel in the lower half of a 32-bit lane, the later one in the
+// upper half:
 //
 //     pixels   p0 p1 | p2 p3 | p4 p5 | ...          five taps, outputs 0 and 1:
-//     even     k0 k1 | k2 k3 | k4  0                A0 = k0 p0 + k1 p1 + ... + k4 p4
-//     odd       0 k0 | k1 k2 | k3 k4                A1 = k0 p1 + k1 p2 + ... + k4 p5
+//     even     k0 k1 | k2 k3 | k4  0                A0 = k0 p0 + k1 p1 + ... +
+//     k4 p4 odd       0 k0 | k1 k2 | k3 k4                A1 = k0 p1 + k1 p2 +
+//     ... + k4 p5
 //
-// One multiply-add takes a pair with its two weights, and each pair is loaded once for two outputs.
-// The lanes stay 32 bits wide from the pixel word to the sum, the quotient and the pixel word
-// again, so nothing is shuffled but the rows of the horizontal pass, which are turned into lanes
-// and back.
+// One multiply-add takes a pair with its two weights, and each pair is loaded
+// once for two outputs. The lanes stay 32 bits wide from the pixel word to the
+// sum, the quotient and the pixel word again, so nothing is shuffled but the
+// rows of the horizontal pass, which are turned into lanes and back.
 
 HWY_BEFORE_NAMESPACE();
 namespace android::HWY_NAMESPACE {
@@ -47,7 +50,8 @@ HWY_INLINE void makePair(PixelVector early, PixelVector late, uint32_t* pair) {
     hn::Store(join(redBlue1, hn::ShiftRight<16>(redBlue0)), d, pair + 2 * kTileLines);
 }
 
-// The quotient of each lane, for sums that already hold the gap when it is a near one.
+// The quotient of each lane, for sums that already hold the gap when it is a
+// near one.
 template <bool kNear>
 HWY_INLINE PixelVector divide(PixelVector sum, const Divisor& divisor) {
     const Pixels d;
@@ -61,16 +65,18 @@ HWY_INLINE PixelVector divide(PixelVector sum, const Divisor& divisor) {
     }
 }
 
-// Two outputs of a tile that start at the same pair; the second one is dropped when `two` is false.
-template <bool kNear>
+// Two outputs of a tile that start at the same pair; the second one is dropped
+// when `two` is false.
+template <bool kNear, size_t kPairs>
 HWY_INLINE void blurTwo(const uint32_t* HWY_RESTRICT pairs, const PassPlan& plan,
                         uint32_t* HWY_RESTRICT out, size_t step, bool two) {
     const Pixels d;
     const hn::RebindToSigned<Pixels> sums;
     const hn::Repartition<int16_t, Pixels> d16;
-    // The near gap goes in beforehand. Targets that add the two products of a lane at once leave
-    // the second sums alone; NEON keeps the products apart, the lower half's in the first sums and
-    // the upper half's in the second, and adds neighbours in the end.
+    // The near gap goes in beforehand. Targets that add the two products of a
+    // lane at once leave the second sums alone; NEON keeps the products apart,
+    // the lower half's in the first sums and the upper half's in the second, and
+    // adds neighbours in the end.
 #if HWY_TARGET == HWY_NEON
     const hn::Repartition<uint64_t, Pixels> apart;
     const auto first = hn::BitCast(sums, hn::Set(apart, kNear ? plan.divisor.gap : 0));
@@ -83,23 +89,27 @@ HWY_INLINE void blurTwo(const uint32_t* HWY_RESTRICT pairs, const PassPlan& plan
     auto red0b = second, green0b = second, blue0b = second;
     auto red1b = second, green1b = second, blue1b = second;
     const uint32_t* weights = plan.taps.weights.get();
-    for (size_t round = 0; round < plan.taps.rounds; ++round) {
-        const uint32_t* pair = pairs;
+    const auto addPair = [&](const uint32_t* pair, const uint32_t* both) HWY_ATTR {
+        const auto even = hn::BitCast(d16, hn::Set(d, both[0]));
+        const auto odd = hn::BitCast(d16, hn::Set(d, both[1]));
+        const auto red = hn::BitCast(d16, hn::Load(d, pair));
+        const auto green = hn::BitCast(d16, hn::Load(d, pair + kTileLines));
+        const auto blue = hn::BitCast(d16, hn::Load(d, pair + 2 * kTileLines));
+        red0 = hn::ReorderWidenMulAccumulate(sums, red, even, red0, red0b);
+        green0 = hn::ReorderWidenMulAccumulate(sums, green, even, green0, green0b);
+        blue0 = hn::ReorderWidenMulAccumulate(sums, blue, even, blue0, blue0b);
+        red1 = hn::ReorderWidenMulAccumulate(sums, red, odd, red1, red1b);
+        green1 = hn::ReorderWidenMulAccumulate(sums, green, odd, green1, green1b);
+        blue1 = hn::ReorderWidenMulAccumulate(sums, blue, odd, blue1, blue1b);
+    };
+    if constexpr (kPairs > 0) {
+        for (size_t i = 0; i < kPairs; ++i) addPair(pairs + i * kPairWords, weights + 2 * i);
+    } else {
+        for (size_t round = 0; round < plan.taps.rounds; ++round) {
 #pragma GCC unroll 4
-        for (size_t i = 0; i < plan.taps.pairs; ++i) {
-            const auto even = hn::BitCast(d16, hn::Set(d, weights[0]));
-            const auto odd = hn::BitCast(d16, hn::Set(d, weights[1]));
-            const auto red = hn::BitCast(d16, hn::Load(d, pair));
-            const auto green = hn::BitCast(d16, hn::Load(d, pair + kTileLines));
-            const auto blue = hn::BitCast(d16, hn::Load(d, pair + 2 * kTileLines));
-            red0 = hn::ReorderWidenMulAccumulate(sums, red, even, red0, red0b);
-            green0 = hn::ReorderWidenMulAccumulate(sums, green, even, green0, green0b);
-            blue0 = hn::ReorderWidenMulAccumulate(sums, blue, even, blue0, blue0b);
-            red1 = hn::ReorderWidenMulAccumulate(sums, red, odd, red1, red1b);
-            green1 = hn::ReorderWidenMulAccumulate(sums, green, odd, green1, green1b);
-            blue1 = hn::ReorderWidenMulAccumulate(sums, blue, odd, blue1, blue1b);
-            weights += 2;
-            pair += kPairWords;
+            for (size_t i = 0; i < plan.taps.pairs; ++i, weights += 2) {
+                addPair(pairs + i * kPairWords, weights);
+            }
         }
     }
     const auto byte = [&](auto sum, auto sumB) {
@@ -114,63 +124,112 @@ HWY_INLINE void blurTwo(const uint32_t* HWY_RESTRICT pairs, const PassPlan& plan
     hn::StoreU(word(byte(red1, red1b), byte(green1, green1b), byte(blue1, blue1b)), d, out + step);
 }
 
-// Blurs `tiles` tiles side by side, in place: pixel i of the lines is the vectors at lines + i *
-// step. Pairs are made ahead of the outputs, so a pixel is taken before it is written. Before
-// pixels up to `end` are read, fetch(end) is called; once the outputs from `begin` to `end` are
-// written, deliver(begin, end).
-template <bool kNear, typename Fetch, typename Deliver>
-HWY_INLINE void blurTiles(uint32_t* lines, size_t step, size_t length, size_t tiles,
-                          const PassPlan& plan, uint32_t* pairs, Fetch fetch, Deliver deliver) {
+// The tiles of a pass: pixel i of tile t is the vector at lines + i * step + t
+// * kTileLines.
+struct Tiles {
+    uint32_t* lines;
+    size_t length;
+    size_t step;
+    size_t count;
+};
+
+// The pairs that are kept of each tile, from pair `first` up to pair `made`, at
+// pairs + t * words.
+struct PairBuffers {
+    uint32_t* pairs;
+    size_t words;
+    size_t first;
+    size_t made;
+};
+
+// Makes pairs up to `end`. A pixel in front of a line or behind it is its first
+// or its last one.
+HWY_INLINE void makePairs(const Tiles& tiles, size_t reach, size_t end, PairBuffers& buffers) {
     const Pixels d;
-    const size_t reach = static_cast<size_t>(plan.taps.reach);
-    const size_t tileWords = (kChunk / 2 + plan.taps.pairs) * kPairWords;
-    const auto pixel = [&](size_t entry) {
-        return lines + std::min(std::max(entry, reach) - reach, length - 1) * step;
+    const auto make = [&](const uint32_t* early, const uint32_t* late) HWY_ATTR {
+        uint32_t* pair = buffers.pairs + (buffers.made - buffers.first) * kPairWords;
+        for (size_t t = 0; t < tiles.count; ++t) {
+            makePair(hn::LoadU(d, early + t * kTileLines), hn::LoadU(d, late + t * kTileLines),
+                     pair + t * buffers.words);
+        }
+        ++buffers.made;
     };
-    size_t first = 0, made = 0;  // pairs: the one at the front of the buffers, the next to make
-    for (size_t x = 0; x < length; x += kChunk) {
-        const size_t end = std::min(length, x + kChunk);
-        for (size_t t = 0; x > 0 && t < tiles; ++t) {
-            uint32_t* front = pairs + t * tileWords;
-            std::memmove(front, front + (x / 2 - first) * kPairWords,
-                         (made - x / 2) * kPairWords * sizeof(uint32_t));
-        }
-        first = x / 2;
-        fetch(std::min(length, end + reach + 1));
-        for (; made < (end + 1) / 2 + plan.taps.pairs - 1; ++made) {
-            const uint32_t *early = pixel(2 * made), *late = pixel(2 * made + 1);
-            const uint32_t* next = pixel(2 * made + kAhead);
-            const uint32_t* after = pixel(2 * made + kAhead + 1);
-            for (size_t w = 0; tiles > 1 && w < tiles * kTileLines; w += 16) {
-                hwy::Prefetch(next + w);
-                hwy::Prefetch(after + w);
-            }
-            for (size_t t = 0; t < tiles; ++t) {
-                makePair(hn::LoadU(d, early + t * kTileLines), hn::LoadU(d, late + t * kTileLines),
-                         pairs + t * tileWords + (made - first) * kPairWords);
+    const auto pixel = [&](size_t entry) {
+        return tiles.lines +
+               std::min(std::max(entry, reach) - reach, tiles.length - 1) * tiles.step;
+    };
+    const size_t inside = (reach + 1) / 2, outside = (reach + tiles.length) / 2;
+    while (buffers.made < std::min(inside, end)) {
+        make(pixel(2 * buffers.made), pixel(2 * buffers.made + 1));
+    }
+    while (buffers.made < std::min(outside, end)) {
+        const uint32_t* early = tiles.lines + (2 * buffers.made - reach) * tiles.step;
+        if (tiles.count > 1) {
+            const uint32_t* ahead = pixel(2 * buffers.made + kAhead);
+            for (size_t w = 0; w < tiles.count * kTileLines; w += 16) {
+                hwy::Prefetch(ahead + w);
+                hwy::Prefetch(ahead + tiles.step + w);
             }
         }
+        make(early, early + tiles.step);
+    }
+    while (buffers.made < end) make(pixel(2 * buffers.made), pixel(2 * buffers.made + 1));
+}
+
+// Blurs tiles side by side, in place. Pairs are made ahead of the outputs, so a
+// pixel is taken before it is written. Before pixels up to `end` are read,
+// fetch(end) is called; once the outputs from `begin` to `end` are written,
+// deliver(begin, end).
+template <bool kNear, size_t kPairs, typename Fetch, typename Deliver>
+HWY_INLINE void blurTiles(const Tiles& tiles, const PassPlan& plan, uint32_t* pairs, Fetch fetch,
+                          Deliver deliver) {
+    const size_t reach = static_cast<size_t>(plan.taps.reach);
+    PairBuffers buffers = {pairs, (kChunk / 2 + plan.taps.pairs) * kPairWords, 0, 0};
+    for (size_t x = 0; x < tiles.length; x += kChunk) {
+        const size_t end = std::min(tiles.length, x + kChunk);
+        for (size_t t = 0; x > 0 && t < tiles.count; ++t) {
+            uint32_t* front = pairs + t * buffers.words;
+            std::memmove(front, front + (x / 2 - buffers.first) * kPairWords,
+                         (buffers.made - x / 2) * kPairWords * sizeof(uint32_t));
+        }
+        buffers.first = x / 2;
+        fetch(std::min(tiles.length, end + reach + 1));
+        makePairs(tiles, reach, (end + 1) / 2 + plan.taps.pairs - 1, buffers);
         for (size_t o = x; o < end; o += 2) {
-            for (size_t t = 0; t < tiles; ++t) {
-                blurTwo<kNear>(pairs + t * tileWords + (o / 2 - first) * kPairWords, plan,
-                               lines + o * step + t * kTileLines, step, o + 1 < end);
+            const uint32_t* pair = pairs + (o - x) / 2 * kPairWords;
+            for (size_t t = 0; t < tiles.count; ++t) {
+                blurTwo<kNear, kPairs>(pair + t * buffers.words, plan,
+                                       tiles.lines + o * tiles.step + t * kTileLines, tiles.step,
+                                       o + 1 < end);
             }
         }
         deliver(x, end);
     }
 }
 
-template <typename Fetch, typename Deliver>
-HWY_INLINE void blurTiles(uint32_t* lines, size_t step, size_t length, size_t tiles,
-                          const PassPlan& plan, uint32_t* pairs, Fetch fetch, Deliver deliver) {
-    if (plan.divisor.gap <= kNearGap) {
-        blurTiles<true>(lines, step, length, tiles, plan, pairs, fetch, deliver);
-    } else {
-        blurTiles<false>(lines, step, length, tiles, plan, pairs, fetch, deliver);
+// Narrow kernels spend more on loops than on taps, so theirs are unrolled
+// whole.
+template <typename Pass>
+HWY_INLINE void withPairs(const PassPlan& plan, Pass pass) {
+    const std::true_type near;
+    const std::integral_constant<size_t, 0> any;
+    if (plan.divisor.gap > kNearGap) return pass(std::false_type(), any);
+    switch (plan.taps.rounds == 1 ? plan.taps.pairs : 0) {
+        case 2:
+            return pass(near, std::integral_constant<size_t, 2>());
+        case 3:
+            return pass(near, std::integral_constant<size_t, 3>());
+        case 4:
+            return pass(near, std::integral_constant<size_t, 4>());
+        case 5:
+            return pass(near, std::integral_constant<size_t, 5>());
+        default:
+            return pass(near, any);
     }
 }
 
-void blurRowsByTaps(const BitmapStruct& bitmap, const PassPlan& plan, uint32_t* scratch) {
+template <bool kNear, size_t kPairs>
+HWY_NOINLINE void blurRows(const BitmapStruct& bitmap, const PassPlan& plan, uint32_t* scratch) {
     const size_t width = static_cast<size_t>(bitmap.width);
     const size_t height = static_cast<size_t>(bitmap.height);
     uint32_t* tile = alignedScratch(scratch);
@@ -178,38 +237,51 @@ void blurRowsByTaps(const BitmapStruct& bitmap, const PassPlan& plan, uint32_t* 
     for (size_t y = 0; y < height; y += kTileLines) {
         const size_t lines = std::min(kTileLines, height - y);
         uint32_t* rows = bitmap.pixels + y * width;
-        // Turned over little by little, while the first-level cache still holds the pixels.
+        // Turned over little by little, while the first-level cache still holds the
+        // pixels.
         size_t fetched = 0;
-        const auto fetch = [&](size_t end) {
+        const auto fetch = [&](size_t end) HWY_ATTR {
             end = std::min(width, (end + kTileLines - 1) / kTileLines * kTileLines);
             if (end <= fetched) return;
             gatherRows(rows + fetched, width, lines, end - fetched, tile + fetched * kTileLines,
                        kTileLines);
             fetched = end;
         };
-        const auto deliver = [&](size_t begin, size_t end) {
+        const auto deliver = [&](size_t begin, size_t end) HWY_ATTR {
             scatterRows(tile + begin * kTileLines, kTileLines, lines, end - begin, rows + begin,
                         width);
         };
-        blurTiles(tile, kTileLines, width, 1, plan, pairs, fetch, deliver);
+        blurTiles<kNear, kPairs>({tile, width, kTileLines, 1}, plan, pairs, fetch, deliver);
     }
 }
 
-void blurColumnsByTaps(const BitmapStruct& bitmap, const PassPlan& plan, uint32_t* scratch) {
+template <bool kNear, size_t kPairs>
+HWY_NOINLINE void blurColumns(const BitmapStruct& bitmap, const PassPlan& plan, uint32_t* scratch) {
     const size_t width = static_cast<size_t>(bitmap.width);
     const size_t height = static_cast<size_t>(bitmap.height);
     uint32_t* tile = alignedScratch(scratch);
     uint32_t* pairs = tile + height * kTileLines;
     const auto nothing = [](auto...) {};
     size_t x = 0;
-    for (size_t tiles; (tiles = std::min(kGroup, (width - x) / kTileLines)) > 0;
-         x += tiles * kTileLines) {
-        blurTiles(bitmap.pixels + x, width, height, tiles, plan, pairs, nothing, nothing);
+    for (size_t count; (count = std::min(kGroup, (width - x) / kTileLines)) > 0;
+         x += count * kTileLines) {
+        blurTiles<kNear, kPairs>({bitmap.pixels + x, height, width, count}, plan, pairs, nothing,
+                                 nothing);
     }
     if (x == width) return;
     copyLines(bitmap.pixels + x, width, width - x, height, tile, kTileLines);
-    blurTiles(tile, kTileLines, height, 1, plan, pairs, nothing, nothing);
+    blurTiles<kNear, kPairs>({tile, height, kTileLines, 1}, plan, pairs, nothing, nothing);
     copyLines(tile, kTileLines, width - x, height, bitmap.pixels + x, width);
+}
+
+void blurRowsByTaps(const BitmapStruct& bitmap, const PassPlan& plan, uint32_t* scratch) {
+    withPairs(plan,
+              [&](auto near, auto pairs) { blurRows<near(), pairs()>(bitmap, plan, scratch); });
+}
+
+void blurColumnsByTaps(const BitmapStruct& bitmap, const PassPlan& plan, uint32_t* scratch) {
+    withPairs(plan,
+              [&](auto near, auto pairs) { blurColumns<near(), pairs()>(bitmap, plan, scratch); });
 }
 
 size_t tapScratchWords(const PassPlan& plan, size_t length, size_t lines) {

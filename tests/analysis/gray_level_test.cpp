@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/reference/reference.h"
+#include "tests/support/every_target.h"
 #include "tests/support/images.h"
 
 namespace {
@@ -30,24 +31,24 @@ TEST(GrayLevel, IsThisForUniformImages) {
 }
 
 TEST(GrayLevel, EqualsReference) {
-    std::mt19937 random(37);
-    for (int32_t width = 2; width <= 130; ++width) {
-        const Image image = Image::random(width, 3, random);
-        EXPECT_EQ(RGB2Gray(&image), reference::RGB2Gray(image)) << "width " << width;
-    }
-    // A last pixel that moves the mean by several levels, so that losing it shows.
-    for (int32_t height = 2; height <= 40; ++height) {
-        Image image(3, height, 0);
-        image.storage.end()[-1] = 0xFFFFFFFF;
-        EXPECT_EQ(RGB2Gray(&image), 255 / (3 * height)) << "height " << height;
-    }
+    onEveryTarget([] {
+        std::mt19937 random(37);
+        for (int32_t width = 2; width <= 130; ++width) {
+            const Image image = Image::random(width, 3, random);
+            EXPECT_EQ(RGB2Gray(&image), reference::RGB2Gray(image)) << "width " << width;
+        }
+        // A last pixel that moves the mean by several levels, so that losing it shows.
+        for (int32_t height = 2; height <= 40; ++height) {
+            Image image(3, height, 0);
+            image.storage.end()[-1] = 0xFFFFFFFF;
+            EXPECT_EQ(RGB2Gray(&image), 255 / (3 * height)) << "height " << height;
+        }
+        const Image white(130, 130, 0xFFFFFFFF);  // the most that narrow sums have to hold
+        EXPECT_EQ(RGB2Gray(&white), 255);
+    });
     for (uint32_t gray = 0; gray < 256; ++gray) {  // each meets the truncation in its own way
         const Image image(2, 3, gray * 0x010101);
         EXPECT_EQ(RGB2Gray(&image), reference::RGB2Gray(image)) << "gray " << gray;
-    }
-    for (int i = 0; i < 20; ++i) {
-        const Image image = Image::random(601, 301 + i, random);
-        EXPECT_EQ(RGB2Gray(&image), reference::RGB2Gray(image)) << "height " << 301 + i;
     }
 }
 
