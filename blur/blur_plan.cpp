@@ -172,9 +172,10 @@ void addTerm(int32_t row, int32_t weight, StepPlan* plan) {
 }
 
 // Appends the terms of the changes [begin, end) and their bias; the prefix sums start and end
-// within the piece.
+// within the piece. Most terms weigh 1 or -1 and need no multiplication: they come first.
 void addPiece(const Changes& changes, size_t begin, size_t end, StepPlan* plan) {
     int32_t negative = 0, slope = 0;
+    StepTerm* const first = plan->terms.get() + plan->termCount;
     for (size_t j = begin; j < end; ++j) {
         addTerm(plan->rows + static_cast<int32_t>(j), slope - changes.slope[j], plan);
         slope = changes.slope[j];
@@ -189,7 +190,17 @@ void addPiece(const Changes& changes, size_t begin, size_t end, StepPlan* plan) 
         },
         [plan](int32_t row, int32_t weight) { addTerm(row, weight, plan); });
     const int32_t bias = 255 * negative;
-    plan->pieces[plan->pieceCount++] = {plan->termCount, halves(bias, bias)};
+    StepTerm* const last = plan->terms.get() + plan->termCount;
+    const auto weighs = [](uint32_t weight) {
+        return [weight](const StepTerm& term) { return term.weight == weight; };
+    };
+    StepTerm* const added = std::partition(first, last, weighs(halves(1, 1)));
+    StepTerm* const subtracted = std::partition(added, last, weighs(halves(-1, -1)));
+    const auto number = [plan](const StepTerm* term) {
+        return static_cast<size_t>(term - plan->terms.get());
+    };
+    plan->pieces[plan->pieceCount++] = {number(added), number(subtracted), plan->termCount,
+                                        halves(bias, bias)};
     plan->bias += static_cast<uint32_t>(bias);
 }
 

@@ -55,8 +55,10 @@ struct StepTerm {
     uint32_t weight;  // twice the same 16 bits
 };
 struct StepPiece {
-    size_t end;     // of its terms
-    uint32_t bias;  // keeps the sum from 0 to 65535; twice the same 16 bits
+    size_t addEnd;       // of the terms of weight 1, which come first
+    size_t subtractEnd;  // of those of weight -1
+    size_t end;          // of all its terms
+    uint32_t bias;       // keeps the sum from 0 to 65535; twice the same 16 bits
 };
 struct StepPlan {
     int32_t border;          // rows in front of the first pixel and behind the last one

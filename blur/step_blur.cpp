@@ -122,13 +122,31 @@ HWY_INLINE void changesOf(const StepPlan& plan, const uint16_t* rows, size_t y,
         const StepPiece& piece = plan.pieces[p];
         const auto bias = hn::BitCast(d16, hn::Set(d, piece.bias));
         LaneVector part0 = bias, part1 = bias, part2 = bias, part3 = bias;
-        for (const StepTerm* end = plan.terms.get() + piece.end; term < end; ++term) {
-            const uint16_t* row = rows + (y + static_cast<size_t>(term->row)) * kLines;
+        const StepTerm* const terms = plan.terms.get();
+        const auto row = [&](const StepTerm* at) {
+            return rows + (y + static_cast<size_t>(at->row)) * kLines;
+        };
+        for (; term < terms + piece.addEnd; ++term) {
+            const uint16_t* r = row(term);
+            part0 = hn::Add(part0, hn::Load(d16, r));
+            part1 = hn::Add(part1, hn::Load(d16, r + kLines));
+            part2 = hn::Add(part2, hn::Load(d16, r + 2 * kLines));
+            part3 = hn::Add(part3, hn::Load(d16, r + 3 * kLines));
+        }
+        for (; term < terms + piece.subtractEnd; ++term) {
+            const uint16_t* r = row(term);
+            part0 = hn::Sub(part0, hn::Load(d16, r));
+            part1 = hn::Sub(part1, hn::Load(d16, r + kLines));
+            part2 = hn::Sub(part2, hn::Load(d16, r + 2 * kLines));
+            part3 = hn::Sub(part3, hn::Load(d16, r + 3 * kLines));
+        }
+        for (; term < terms + piece.end; ++term) {
+            const uint16_t* r = row(term);
             const auto weight = hn::BitCast(d16, hn::Set(d, term->weight));
-            part0 = hn::Add(part0, hn::Mul(weight, hn::Load(d16, row)));
-            part1 = hn::Add(part1, hn::Mul(weight, hn::Load(d16, row + kLines)));
-            part2 = hn::Add(part2, hn::Mul(weight, hn::Load(d16, row + 2 * kLines)));
-            part3 = hn::Add(part3, hn::Mul(weight, hn::Load(d16, row + 3 * kLines)));
+            part0 = hn::Add(part0, hn::Mul(weight, hn::Load(d16, r)));
+            part1 = hn::Add(part1, hn::Mul(weight, hn::Load(d16, r + kLines)));
+            part2 = hn::Add(part2, hn::Mul(weight, hn::Load(d16, r + 2 * kLines)));
+            part3 = hn::Add(part3, hn::Mul(weight, hn::Load(d16, r + 3 * kLines)));
         }
         const LaneVector parts[kOutputs] = {part0, part1, part2, part3};
         for (size_t o = 0; o < kOutputs; ++o) {
