@@ -87,6 +87,7 @@ bool tryGaussianBlur(BitmapStruct* bitmap, const int32_t* kernel, int32_t size, 
     (columns.steps.terms ? blurColumnsBySteps : blurColumnsByTaps)(*bitmap, columns, scratch.get());
     return true;
 }
+
 void GaussianBlurEffect(BitmapStruct* bitmap, const int32_t* kernel, int32_t size, int32_t norm) {
     tryGaussianBlur(bitmap, kernel, size, norm);
 }
