@@ -64,7 +64,7 @@ uint64_t scanEveryLine(const char* path) {
 void readOnly(const char* path) {
     FILE* file = std::fopen(path, "r");
     if (file == nullptr) std::abort();
-    char block[4096];
+    char block[16384];
     while (std::fread(block, 1, sizeof block, file) > 0) benchmark::DoNotOptimize(block);
     std::fclose(file);
 }

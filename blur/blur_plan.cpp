@@ -215,7 +215,9 @@ bool planSteps(const int32_t* folded, int32_t reach, int32_t length, StepPlan* p
         total += std::abs(changes.change[j]);
         largest = std::max(largest, std::abs(changes.change[j]));
     }
-    *possible = largest <= kPieceSpan;
+    // Rows are counted in 32 bits, over all tables.
+    const int64_t rows = int64_t{length} + 2 * (int64_t{reach} + 2) + 2;
+    *possible = largest <= kPieceSpan && rows * (2 + int64_t{kMaxGaps}) <= INT32_MAX;
     if (!*possible) return true;
 
     plan->reach = reach;

@@ -11,20 +11,18 @@
 //
 #include "blur/lanes-inl.h"
 
-// A pass takes a tile of lines at a time, one a lane, and walks along them. Of
-// each two pixels that follow each other on a line it makes a pair a channel,
-// the earlier pixel in the lower half of a 32-bit lane, the later one in the
-// upper half:
+// A pass takes a tile of lines at a time, one a lane, and walks along them. Of each two pixels that
+// follow each other on a line it makes a pair a channel, the earlier pixel in the lower half of a
+// 32-bit lane, the later one in the upper half. Five taps, outputs 0 and 1:
 //
-//     pixels   p0 p1 | p2 p3 | p4 p5 | ...          five taps, outputs 0 and 1:
-//     even     k0 k1 | k2 k3 | k4  0                A0 = k0 p0 + k1 p1 + ... +
-//     k4 p4 odd       0 k0 | k1 k2 | k3 k4                A1 = k0 p1 + k1 p2 +
-//     ... + k4 p5
+//     pixels   p0 p1 | p2 p3 | p4 p5 | ...
+//     even     k0 k1 | k2 k3 | k4  0      A0 = k0 p0 + k1 p1 + k2 p2 + k3 p3 + k4 p4
+//     odd       0 k0 | k1 k2 | k3 k4      A1 = k0 p1 + k1 p2 + k2 p3 + k3 p4 + k4 p5
 //
-// One multiply-add takes a pair with its two weights, and each pair is loaded
-// once for two outputs. The lanes stay 32 bits wide from the pixel word to the
-// sum, the quotient and the pixel word again, so nothing is shuffled but the
-// rows of the horizontal pass, which are turned into lanes and back.
+// One multiply-add takes a pair with its two weights, and each pair is loaded once for two outputs.
+// The lanes stay 32 bits wide from the pixel word to the sum, the quotient and the pixel word
+// again, so nothing is shuffled but the rows of the horizontal pass, which are turned into lanes
+// and back.
 
 HWY_BEFORE_NAMESPACE();
 namespace android::HWY_NAMESPACE {
@@ -73,11 +71,11 @@ HWY_INLINE void blurTwo(const uint32_t* HWY_RESTRICT pairs, const PassPlan& plan
     const Pixels d;
     const hn::RebindToSigned<Pixels> sums;
     const hn::Repartition<int16_t, Pixels> d16;
-    // The near gap goes in beforehand. Targets that add the two products of a
-    // lane at once leave the second sums alone; NEON keeps the products apart,
-    // the lower half's in the first sums and the upper half's in the second, and
+    // The near gap goes in beforehand. Targets that add the two products of a lane at once leave
+    // the second sums alone, and the portable one splits them into whole lanes. ARM keeps the
+    // products apart, the lower half's in the first sums and the upper half's in the second, and
     // adds neighbours in the end.
-#if HWY_TARGET == HWY_NEON
+#if HWY_ARCH_ARM
     const hn::Repartition<uint64_t, Pixels> apart;
     const auto first = hn::BitCast(sums, hn::Set(apart, kNear ? plan.divisor.gap : 0));
     const auto second = first;
@@ -166,9 +164,10 @@ HWY_INLINE void makePairs(const Tiles& tiles, size_t reach, size_t end, PairBuff
         const uint32_t* early = tiles.lines + (2 * buffers.made - reach) * tiles.step;
         if (tiles.count > 1) {
             const uint32_t* ahead = pixel(2 * buffers.made + kAhead);
+            const uint32_t* behind = pixel(2 * buffers.made + kAhead + 1);
             for (size_t w = 0; w < tiles.count * kTileLines; w += 16) {
                 hwy::Prefetch(ahead + w);
-                hwy::Prefetch(ahead + tiles.step + w);
+                hwy::Prefetch(behind + w);
             }
         }
         make(early, early + tiles.step);
@@ -176,10 +175,9 @@ HWY_INLINE void makePairs(const Tiles& tiles, size_t reach, size_t end, PairBuff
     while (buffers.made < end) make(pixel(2 * buffers.made), pixel(2 * buffers.made + 1));
 }
 
-// Blurs tiles side by side, in place. Pairs are made ahead of the outputs, so a
-// pixel is taken before it is written. Before pixels up to `end` are read,
-// fetch(end) is called; once the outputs from `begin` to `end` are written,
-// deliver(begin, end).
+// Blurs tiles side by side, in place. Pairs are made ahead of the outputs, so a pixel is taken
+// before it is written. Before pixels up to `end` are read, fetch(end) is called; once the outputs
+// from `begin` to `end` are written, deliver(begin, end).
 template <bool kNear, size_t kPairs, typename Fetch, typename Deliver>
 HWY_INLINE void blurTiles(const Tiles& tiles, const PassPlan& plan, uint32_t* pairs, Fetch fetch,
                           Deliver deliver) {

@@ -1,5 +1,5 @@
 # Highway, for kernels that are written once and compiled for each instruction set.
-find_path(ZOREN_HIGHWAY_INCLUDE hwy/highway.h REQUIRED)
+find_path(ZOREN_HIGHWAY_INCLUDE hwy/highway.h REQUIRED)  # where the compiler looks anyway
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(aarch64|arm64)")
     # NEON is always there: nothing to choose, so no libhwy and no state.
     set(ZOREN_HIGHWAY_DEFINITIONS HWY_COMPILE_ONLY_STATIC)

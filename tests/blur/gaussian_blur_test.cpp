@@ -123,6 +123,19 @@ TEST(GaussianBlur, EqualsReferenceAtEverySize) {
     });
 }
 
+// The same under kernels that long lines meet by steps.
+TEST(GaussianBlur, EqualsReferenceByStepsAtEverySize) {
+    onEveryTarget([] {
+        std::mt19937 random(27);
+        const reference::Kernel kernels[] = {gauss(60), gauss(140)};
+        for (int32_t n = 60; n <= 150; ++n) {
+            const reference::Kernel& kernel = kernels[n % 2];
+            expectEqualsReference(Image::random(n, 3, random), kernel.weights, kernel.norm);
+            expectEqualsReference(Image::random(3, n, random), kernel.weights, kernel.norm);
+        }
+    });
+}
+
 // Narrow kernels and wide ones, around the radius from which a line is blurred by steps, and wider
 // than the image by far; on noise, and on black and white, whose sums are the largest.
 TEST(GaussianBlur, EqualsReferenceAtEveryRadius) {
