@@ -48,8 +48,7 @@ HWY_INLINE void makePair(PixelVector early, PixelVector late, uint32_t* pair) {
     hn::Store(join(redBlue1, hn::ShiftRight<16>(redBlue0)), d, pair + 2 * kTileLines);
 }
 
-// The quotient of each lane, for sums that already hold the gap when it is a
-// near one.
+// The quotient of each lane, for sums that already hold the gap when it is a near one.
 template <bool kNear>
 HWY_INLINE PixelVector divide(PixelVector sum, const Divisor& divisor) {
     const Pixels d;
@@ -63,8 +62,7 @@ HWY_INLINE PixelVector divide(PixelVector sum, const Divisor& divisor) {
     }
 }
 
-// Two outputs of a tile that start at the same pair; the second one is dropped
-// when `two` is false.
+// Two outputs of a tile that start at the same pair; the second one is dropped when `two` is false.
 template <bool kNear, size_t kPairs>
 HWY_INLINE void blurTwo(const uint32_t* HWY_RESTRICT pairs, const PassPlan& plan,
                         uint32_t* HWY_RESTRICT out, size_t step, bool two) {
@@ -122,8 +120,7 @@ HWY_INLINE void blurTwo(const uint32_t* HWY_RESTRICT pairs, const PassPlan& plan
     hn::StoreU(word(byte(red1, red1b), byte(green1, green1b), byte(blue1, blue1b)), d, out + step);
 }
 
-// The tiles of a pass: pixel i of tile t is the vector at lines + i * step + t
-// * kTileLines.
+// The tiles of a pass: pixel i of tile t is the vector at lines + i * step + t * kTileLines.
 struct Tiles {
     uint32_t* lines;
     size_t length;
@@ -131,8 +128,7 @@ struct Tiles {
     size_t count;
 };
 
-// The pairs that are kept of each tile, from pair `first` up to pair `made`, at
-// pairs + t * words.
+// The pairs that are kept of each tile, from pair `first` up to pair `made`, at pairs + t * words.
 struct PairBuffers {
     uint32_t* pairs;
     size_t words;
@@ -140,8 +136,7 @@ struct PairBuffers {
     size_t made;
 };
 
-// Makes pairs up to `end`. A pixel in front of a line or behind it is its first
-// or its last one.
+// Makes pairs up to `end`. A pixel in front of a line or behind it is its first or its last one.
 HWY_INLINE void makePairs(const Tiles& tiles, size_t reach, size_t end, PairBuffers& buffers) {
     const Pixels d;
     const auto make = [&](const uint32_t* early, const uint32_t* late) HWY_ATTR {
@@ -205,8 +200,7 @@ HWY_INLINE void blurTiles(const Tiles& tiles, const PassPlan& plan, uint32_t* pa
     }
 }
 
-// Narrow kernels spend more on loops than on taps, so theirs are unrolled
-// whole.
+// Narrow kernels spend more on loops than on taps, so theirs are unrolled whole.
 template <typename Pass>
 HWY_INLINE void withPairs(const PassPlan& plan, Pass pass) {
     const std::true_type near;
@@ -235,8 +229,7 @@ HWY_NOINLINE void blurRows(const BitmapStruct& bitmap, const PassPlan& plan, uin
     for (size_t y = 0; y < height; y += kTileLines) {
         const size_t lines = std::min(kTileLines, height - y);
         uint32_t* rows = bitmap.pixels + y * width;
-        // Turned over little by little, while the first-level cache still holds the
-        // pixels.
+        // Turned over little by little, while the first-level cache still holds the pixels.
         size_t fetched = 0;
         const auto fetch = [&](size_t end) HWY_ATTR {
             end = std::min(width, (end + kTileLines - 1) / kTileLines * kTileLines);
