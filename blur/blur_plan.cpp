@@ -17,19 +17,6 @@ bool allocate(std::unique_ptr<T[]>& array, size_t count) {
     return array != nullptr;
 }
 
-// Taps farther away than a line is long meet its first or last pixel wherever they are, so their
-// weights can be added up beforehand: no kernel is wider than the line.
-int32_t foldedReach(int32_t size, int32_t length) { return std::min((size - 1) / 2, length - 1); }
-
-bool fold(const int32_t* kernel, int32_t size, int32_t reach, std::unique_ptr<int32_t[]>& folded) {
-    if (!allocate(folded, 2 * static_cast<size_t>(reach) + 1)) return false;
-    const int32_t half = (size - 1) / 2;
-    for (int32_t k = 0; k < size; ++k) {
-        folded[static_cast<size_t>(std::clamp(k - half, -reach, reach) + reach)] += kernel[k];
-    }
-    return true;
-}
-
 uint32_t halves(int32_t low, int32_t high) {
     return (static_cast<uint32_t>(low) & 0xFFFF) | static_cast<uint32_t>(high) << 16;
 }
@@ -250,10 +237,11 @@ bool planSteps(const int32_t* folded, int32_t reach, int32_t length, StepPlan* p
 }
 
 // Measured on x86-64 with AVX2, in hundredths of a nanosecond for 16 outputs of one channel.
-bool stepsAreCheaper(const StepPlan& steps, const TapPlan& taps, int32_t length) {
+bool stepsAreCheaper(const StepPlan& steps, const TapPlan& taps, size_t tapPairCost,
+                     int32_t length) {
     const size_t layOut = (2 + steps.gapCount) * static_cast<size_t>(steps.rows / length);
     const size_t stepCost = 18 * steps.termCount + 90 * steps.pieceCount + 15 * layOut + 1000;
-    const size_t tapCost = 32 * taps.pairs * taps.rounds + 600;
+    const size_t tapCost = tapPairCost * taps.pairs * taps.rounds + 600;
     return stepCost < tapCost;
 }
 
@@ -275,19 +263,33 @@ Divisor divisorOf(int32_t norm) {
             static_cast<uint32_t>(((uint64_t{1} << 40) + divisor - 1) / divisor)};
 }
 
+bool foldKernel(const int32_t* kernel, int32_t size, int32_t length, FoldedKernel* folded) {
+    const int32_t half = (size - 1) / 2, reach = std::min(half, length - 1);
+    folded->reach = reach;
+    if (!allocate(folded->weights, 2 * static_cast<size_t>(reach) + 1)) return false;
+    for (int32_t k = 0; k < size; ++k) {
+        int32_t& weight =
+            folded->weights[static_cast<size_t>(std::clamp(k - half, -reach, reach) + reach)];
+        weight =
+            static_cast<int32_t>(static_cast<uint32_t>(weight) + static_cast<uint32_t>(kernel[k]));
+    }
+    return true;
+}
+
 bool makePassPlan(const int32_t* kernel, int32_t size, int32_t norm, int32_t length,
-                  PassPlan* plan) {
-    const int32_t reach = foldedReach(size, length);
-    std::unique_ptr<int32_t[]> folded;
+                  size_t tapPairCost, PassPlan* plan) {
+    FoldedKernel folded;
     plan->divisor = divisorOf(norm);
-    if (!fold(kernel, size, reach, folded) || !planTaps(folded.get(), reach, &plan->taps)) {
+    if (!foldKernel(kernel, size, length, &folded) ||
+        !planTaps(folded.weights.get(), folded.reach, &plan->taps)) {
         return false;
     }
     constexpr int32_t kNarrow = 24;  // narrower kernels are cheaper by taps, without asking
-    if (reach < kNarrow) return true;
+    if (folded.reach < kNarrow) return true;
     bool possible = false;
-    if (!planSteps(folded.get(), reach, length, &plan->steps, &possible)) return false;
-    if (!possible || !stepsAreCheaper(plan->steps, plan->taps, length)) {
+    if (!planSteps(folded.weights.get(), folded.reach, length, &plan->steps, &possible))
+        return false;
+    if (!possible || !stepsAreCheaper(plan->steps, plan->taps, tapPairCost, length)) {
         plan->steps.terms.reset();
     }
     return true;

@@ -15,6 +15,16 @@ namespace android {
 // (gaussian_blur.cpp).
 bool isPlainKernel(const int32_t* kernel, int32_t size, int32_t norm);
 
+// The kernel as lines of `length` pixels meet it. Taps farther away than a line is long meet its
+// first or its last pixel wherever they are, so their weights are added up (and may wrap) and no
+// kernel is wider than the line. Weight i belongs to the pixel i - reach away, i = 0 ... 2 * reach.
+struct FoldedKernel {
+    int32_t reach;
+    std::unique_ptr<int32_t[]> weights;
+};
+// False when memory cannot be had.
+bool foldKernel(const int32_t* kernel, int32_t size, int32_t length, FoldedKernel* folded);
+
 // Division by the norm without dividing, for sums up to 255 * norm.
 struct Divisor {
     // 65536 - norm. While 255 * gap <= 65536, the quotient of A is
@@ -81,8 +91,9 @@ struct PassPlan {
     StepPlan steps;
 };
 
-// Makes the cheapest plan for lines of `length` pixels; false when memory cannot be had.
+// Makes the cheapest plan for lines of `length` pixels, where a pair of taps costs `tapPairCost`
+// (blur/tap_blur.h); false when memory cannot be had.
 bool makePassPlan(const int32_t* kernel, int32_t size, int32_t norm, int32_t length,
-                  PassPlan* plan);
+                  size_t tapPairCost, PassPlan* plan);
 
 }  // namespace android

@@ -13,28 +13,27 @@
 namespace android {
 namespace {
 
-// A signed 32-bit division that truncates, 0 for a divisor of 0. In 64 bits the one quotient that
+// A signed 32-bit division that truncates. In 64 bits the one quotient that
 // does not fit, -2^31 / -1, wraps instead of trapping.
 uint32_t quotient(uint32_t sum, int32_t norm) {
-    if (norm == 0) return 0;
     return static_cast<uint32_t>(static_cast<int64_t>(static_cast<int32_t>(sum)) / norm);
 }
 
 // Blurs one row or column of `count` pixels, `step` words apart, in place, under any kernel.
-// `bordered` holds count + size - 1 words: the line's own pixels with its first and last repeated
+// `bordered` holds count + 2 * reach words: the line's own pixels with its first and last repeated
 // on either side. Sums are unsigned because they may wrap.
-void blurLine(uint32_t* line, size_t step, size_t count, const int32_t* kernel, size_t size,
-              int32_t norm, uint32_t* bordered) {
-    const size_t half = (size - 1) / 2;
-    std::fill_n(bordered, half, line[0]);
-    for (size_t i = 0; i < count; ++i) bordered[half + i] = line[i * step];
-    std::fill_n(bordered + half + count, half, line[(count - 1) * step]);
+void blurLine(uint32_t* line, size_t step, size_t count, const FoldedKernel& kernel, int32_t norm,
+              uint32_t* bordered) {
+    const size_t reach = static_cast<size_t>(kernel.reach);
+    std::fill_n(bordered, reach, line[0]);
+    for (size_t i = 0; i < count; ++i) bordered[reach + i] = line[i * step];
+    std::fill_n(bordered + reach + count, reach, line[(count - 1) * step]);
 
     for (size_t i = 0; i < count; ++i) {
         uint32_t red = 0, green = 0, blue = 0;
-        for (size_t k = 0; k < size; ++k) {
+        for (size_t k = 0; k <= 2 * reach; ++k) {
             const uint32_t pixel = bordered[i + k];
-            const uint32_t weight = static_cast<uint32_t>(kernel[k]);
+            const uint32_t weight = static_cast<uint32_t>(kernel.weights[k]);
             red += weight * (pixel & 0xFF);
             green += weight * (pixel >> 8 & 0xFF);
             blue += weight * (pixel >> 16 & 0xFF);
@@ -47,16 +46,21 @@ void blurLine(uint32_t* line, size_t step, size_t count, const int32_t* kernel, 
 bool blurTapByTap(BitmapStruct* bitmap, const int32_t* kernel, int32_t size, int32_t norm) {
     const size_t width = static_cast<size_t>(bitmap->width);
     const size_t height = static_cast<size_t>(bitmap->height);
-    const size_t taps = static_cast<size_t>(size);
-    const std::unique_ptr<uint32_t[]> bordered(new (std::nothrow)
-                                                   uint32_t[std::max(width, height) + taps - 1]);
+    FoldedKernel rows, columns;
+    if (!foldKernel(kernel, size, bitmap->width, &rows) ||
+        !foldKernel(kernel, size, bitmap->height, &columns)) {
+        return false;
+    }
+    const size_t words = std::max(width + 2 * static_cast<size_t>(rows.reach),
+                                  height + 2 * static_cast<size_t>(columns.reach));
+    const std::unique_ptr<uint32_t[]> bordered(new (std::nothrow) uint32_t[words]);
     if (!bordered) return false;
 
     for (size_t y = 0; y < height; ++y) {
-        blurLine(bitmap->pixels + y * width, 1, width, kernel, taps, norm, bordered.get());
+        blurLine(bitmap->pixels + y * width, 1, width, rows, norm, bordered.get());
     }
     for (size_t x = 0; x < width; ++x) {
-        blurLine(bitmap->pixels + x, width, height, kernel, taps, norm, bordered.get());
+        blurLine(bitmap->pixels + x, width, height, columns, norm, bordered.get());
     }
     return true;
 }
@@ -69,11 +73,18 @@ size_t scratchWords(const PassPlan& plan, size_t length, size_t lines) {
 
 bool tryGaussianBlur(BitmapStruct* bitmap, const int32_t* kernel, int32_t size, int32_t norm) {
     if (bitmap->width < 2 || size % 2 != 1 || bitmap->height < 2) return true;
+    if (norm == 0) {  // every quotient is 0
+        std::fill_n(bitmap->pixels,
+                    static_cast<size_t>(bitmap->width) * static_cast<size_t>(bitmap->height),
+                    0xFF000000);
+        return true;
+    }
     if (!isPlainKernel(kernel, size, norm)) return blurTapByTap(bitmap, kernel, size, norm);
 
+    const size_t cost = tapPairCost();
     PassPlan rows, columns;
-    if (!makePassPlan(kernel, size, norm, bitmap->width, &rows) ||
-        !makePassPlan(kernel, size, norm, bitmap->height, &columns)) {
+    if (!makePassPlan(kernel, size, norm, bitmap->width, cost, &rows) ||
+        !makePassPlan(kernel, size, norm, bitmap->height, cost, &columns)) {
         return false;
     }
     const size_t width = static_cast<size_t>(bitmap->width);

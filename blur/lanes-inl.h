@@ -20,7 +20,7 @@ namespace android::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
 // A vector holds one pixel of each of its lanes' lines.
-using Pixels = hn::CappedTag<uint32_t, 8>;
+using Pixels = hn::CappedTag<uint32_t, 16>;
 using PixelVector = hn::Vec<Pixels>;
 constexpr size_t kTileLines = hn::MaxLanes(Pixels());
 
@@ -42,14 +42,23 @@ HWY_INLINE void transposeBlock(const uint32_t* from, size_t fromStep, uint32_t* 
             four[i + 2 * h + 1] = hn::BitCast(d, hn::InterleaveUpper(d64, a, b));
         }
     }
-    for (size_t i = 0; i < kTileLines; ++i) {
-        if constexpr (kTileLines == 8) {
-            const PixelVector low = four[i % 4], high = four[i % 4 + 4];
-            hn::StoreU(
-                i < 4 ? hn::ConcatLowerLower(d, high, low) : hn::ConcatUpperUpper(d, high, low), d,
-                to + i * toStep);
+    const auto store = [&](size_t i, PixelVector column)
+                           HWY_ATTR { hn::StoreU(column, d, to + i * toStep); };
+    for (size_t i = 0; i < 4; ++i) {
+        if constexpr (kTileLines == 16) {
+            const PixelVector lower0 = hn::ConcatLowerLower(d, four[i + 8], four[i]);
+            const PixelVector lower1 = hn::ConcatLowerLower(d, four[i + 12], four[i + 4]);
+            const PixelVector upper0 = hn::ConcatUpperUpper(d, four[i + 8], four[i]);
+            const PixelVector upper1 = hn::ConcatUpperUpper(d, four[i + 12], four[i + 4]);
+            store(i, hn::OddEvenBlocks(hn::SwapAdjacentBlocks(lower1), lower0));
+            store(i + 4, hn::OddEvenBlocks(lower1, hn::SwapAdjacentBlocks(lower0)));
+            store(i + 8, hn::OddEvenBlocks(hn::SwapAdjacentBlocks(upper1), upper0));
+            store(i + 12, hn::OddEvenBlocks(upper1, hn::SwapAdjacentBlocks(upper0)));
+        } else if constexpr (kTileLines == 8) {
+            store(i, hn::ConcatLowerLower(d, four[i + 4], four[i]));
+            store(i + 4, hn::ConcatUpperUpper(d, four[i + 4], four[i]));
         } else {
-            hn::StoreU(four[i], d, to + i * toStep);
+            store(i, four[i]);
         }
     }
 }

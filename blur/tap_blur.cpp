@@ -3,6 +3,7 @@
 #include <cstring>
 #include <type_traits>
 
+#define HWY_WANT_AVX3_DL  // twice AVX2's multiply-adds
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "blur/tap_blur.cpp"
 #include "hwy/cache_control.h"
@@ -24,11 +25,19 @@
 // again, so nothing is shuffled but the rows of the horizontal pass, which are turned into lanes
 // and back.
 
+#if HWY_TARGET == HWY_AVX3_DL
+// Highway's own features of this target lack the instruction that multiplies and adds to the sums.
+#undef HWY_TARGET_STR
+#define HWY_TARGET_STR  \
+    HWY_TARGET_STR_AVX3 \
+    ",vpclmulqdq,avx512vbmi,avx512vbmi2,vaes,avxvnni,avx512bitalg,avx512vpopcntdq,avx512vnni"
+#endif
+
 HWY_BEFORE_NAMESPACE();
 namespace android::HWY_NAMESPACE {
 
-constexpr size_t kGroup = 8;   // tiles side by side in a column pass: whole cache lines
-constexpr size_t kChunk = 64;  // outputs between two moves of the pairs
+constexpr size_t kGroup = 64 / kTileLines;  // tiles side by side in a column pass, four cache lines
+constexpr size_t kChunk = 32;               // outputs between two moves of the pairs
 constexpr size_t kAhead = 16;  // rows fetched ahead in a column pass, whose rows lie pages apart
 
 constexpr size_t kPairWords = 3 * kTileLines;
@@ -36,29 +45,40 @@ constexpr size_t kPairWords = 3 * kTileLines;
 HWY_INLINE void makePair(PixelVector early, PixelVector late, uint32_t* pair) {
     const Pixels d;
     const hn::Repartition<uint16_t, Pixels> d16;
-    const auto bytes = hn::Set(d, 0x00FF00FF);
-    const auto redBlue0 = hn::And(early, bytes), redBlue1 = hn::And(late, bytes);
-    const auto green0 = hn::And(hn::ShiftRight<8>(early), bytes);
-    const auto green1 = hn::And(hn::ShiftRight<8>(late), bytes);
-    const auto join = [&](PixelVector upper, PixelVector lower) {
-        return hn::BitCast(d, hn::OddEven(hn::BitCast(d16, upper), hn::BitCast(d16, lower)));
+    const auto join = [&](PixelVector upper, PixelVector lower) HWY_ATTR {
+        return hn::OddEven(hn::BitCast(d16, upper), hn::BitCast(d16, lower));
     };
-    hn::Store(join(hn::ShiftLeft<16>(redBlue1), redBlue0), d, pair);
-    hn::Store(join(hn::ShiftLeft<16>(green1), green0), d, pair + kTileLines);
-    hn::Store(join(redBlue1, hn::ShiftRight<16>(redBlue0)), d, pair + 2 * kTileLines);
+    const auto redGreen = join(hn::ShiftLeft<16>(late), early);
+    const auto blueAlpha = join(late, hn::ShiftRight<16>(early));
+    const auto byte = hn::Set(d16, 0xFF);
+    hn::Store(hn::BitCast(d, hn::And(redGreen, byte)), d, pair);
+    hn::Store(hn::BitCast(d, hn::ShiftRight<8>(redGreen)), d, pair + kTileLines);
+    hn::Store(hn::BitCast(d, hn::And(blueAlpha, byte)), d, pair + 2 * kTileLines);
 }
 
-// The quotient of each lane, for sums that already hold the gap when it is a near one.
+// The quotient of each lane in its bits 16 to 23, with anything below. Sums already hold the gap
+// when it is a near one.
 template <bool kNear>
 HWY_INLINE PixelVector divide(PixelVector sum, const Divisor& divisor) {
     const Pixels d;
-    const hn::Repartition<uint16_t, Pixels> d16;
-    if constexpr (kNear) {
-        const auto high = hn::BitCast(d16, hn::ShiftRight<16>(sum));
-        const auto gap = hn::BitCast(d16, hn::Set(d, divisor.gap));
-        return hn::ShiftRight<16>(hn::Add(sum, hn::BitCast(d, hn::Mul(high, gap))));
+    if constexpr (!kNear) {
+        return hn::ShiftLeft<16>(divideByReciprocal(sum, divisor));
     } else {
-        return divideByReciprocal(sum, divisor);
+#if HWY_ARCH_ARM
+        const hn::Repartition<uint16_t, Pixels> d16;
+        const auto high = hn::BitCast(d16, hn::ShiftRight<16>(sum));
+        return hn::Add(sum,
+                       hn::BitCast(d, hn::Mul(high, hn::BitCast(d16, hn::Set(d, divisor.gap)))));
+#else
+        // The upper half of the sum times the gap, in one multiply-add.
+        const hn::RebindToSigned<Pixels> sums;
+        const hn::Repartition<int16_t, Pixels> d16;
+        const auto gap = hn::BitCast(d16, hn::Set(d, divisor.gap << 16));
+        auto second = hn::Zero(sums);
+        const auto first =
+            hn::ReorderWidenMulAccumulate(sums, hn::BitCast(d16, sum), gap, hn::Zero(sums), second);
+        return hn::Add(sum, hn::BitCast(d, hn::RearrangeToOddPlusEven(first, second)));
+#endif
     }
 }
 
@@ -108,16 +128,20 @@ HWY_INLINE void blurTwo(const uint32_t* HWY_RESTRICT pairs, const PassPlan& plan
             }
         }
     }
-    const auto byte = [&](auto sum, auto sumB) {
+    const auto quotient = [&](auto sum, auto sumB) HWY_ATTR {
         return divide<kNear>(hn::BitCast(d, hn::RearrangeToOddPlusEven(sum, sumB)), plan.divisor);
     };
-    const auto word = [&](PixelVector red, PixelVector green, PixelVector blue) {
-        const auto upper = hn::Or(hn::ShiftLeft<16>(blue), hn::Set(d, 0xFF000000));
-        return hn::Or(hn::Or(red, hn::ShiftLeft<8>(green)), upper);
+    const auto word = [&](PixelVector red, PixelVector green, PixelVector blue) HWY_ATTR {
+        const auto upper = hn::OrAnd(hn::Set(d, 0xFF000000), blue, hn::Set(d, 0x00FF0000));
+        const auto lower =
+            hn::OrAnd(hn::ShiftRight<16>(red), hn::ShiftRight<8>(green), hn::Set(d, 0xFF00));
+        return hn::Or(upper, lower);
     };
-    hn::StoreU(word(byte(red0, red0b), byte(green0, green0b), byte(blue0, blue0b)), d, out);
+    hn::StoreU(word(quotient(red0, red0b), quotient(green0, green0b), quotient(blue0, blue0b)), d,
+               out);
     if (!two) return;
-    hn::StoreU(word(byte(red1, red1b), byte(green1, green1b), byte(blue1, blue1b)), d, out + step);
+    hn::StoreU(word(quotient(red1, red1b), quotient(green1, green1b), quotient(blue1, blue1b)), d,
+               out + step);
 }
 
 // The tiles of a pass: pixel i of tile t is the vector at lines + i * step + t * kTileLines.
@@ -135,6 +159,20 @@ struct PairBuffers {
     size_t first;
     size_t made;
 };
+
+// The words that hold the pairs of one tile.
+HWY_INLINE size_t pairWords(const PassPlan& plan, size_t length) {
+    return (std::min(kChunk, length + 1) / 2 + plan.taps.pairs) * kPairWords;
+}
+
+// The tiles that a column pass may take side by side: whole cache lines where that fits the memory
+// that a blur may hold, 64 words for each row, column and tap.
+HWY_INLINE size_t groupOf(const PassPlan& plan, size_t length, size_t lines) {
+    const size_t taps = 2 * static_cast<size_t>(plan.taps.reach) + 1;
+    const size_t words = 64 * (length + lines + taps) - length * kTileLines;
+    return std::max<size_t>(
+        1, std::min({kGroup, lines / kTileLines, words / 2 / pairWords(plan, length)}));
+}
 
 // Makes pairs up to `end`. A pixel in front of a line or behind it is its first or its last one.
 HWY_INLINE void makePairs(const Tiles& tiles, size_t reach, size_t end, PairBuffers& buffers) {
@@ -177,7 +215,7 @@ template <bool kNear, size_t kPairs, typename Fetch, typename Deliver>
 HWY_INLINE void blurTiles(const Tiles& tiles, const PassPlan& plan, uint32_t* pairs, Fetch fetch,
                           Deliver deliver) {
     const size_t reach = static_cast<size_t>(plan.taps.reach);
-    PairBuffers buffers = {pairs, (kChunk / 2 + plan.taps.pairs) * kPairWords, 0, 0};
+    PairBuffers buffers = {pairs, pairWords(plan, tiles.length), 0, 0};
     for (size_t x = 0; x < tiles.length; x += kChunk) {
         const size_t end = std::min(tiles.length, x + kChunk);
         for (size_t t = 0; x > 0 && t < tiles.count; ++t) {
@@ -188,9 +226,9 @@ HWY_INLINE void blurTiles(const Tiles& tiles, const PassPlan& plan, uint32_t* pa
         buffers.first = x / 2;
         fetch(std::min(tiles.length, end + reach + 1));
         makePairs(tiles, reach, (end + 1) / 2 + plan.taps.pairs - 1, buffers);
-        for (size_t o = x; o < end; o += 2) {
-            const uint32_t* pair = pairs + (o - x) / 2 * kPairWords;
-            for (size_t t = 0; t < tiles.count; ++t) {
+        for (size_t t = 0; t < tiles.count; ++t) {
+            for (size_t o = x; o < end; o += 2) {
+                const uint32_t* pair = pairs + (o - x) / 2 * kPairWords;
                 blurTwo<kNear, kPairs>(pair + t * buffers.words, plan,
                                        tiles.lines + o * tiles.step + t * kTileLines, tiles.step,
                                        o + 1 < end);
@@ -252,9 +290,10 @@ HWY_NOINLINE void blurColumns(const BitmapStruct& bitmap, const PassPlan& plan, 
     const size_t height = static_cast<size_t>(bitmap.height);
     uint32_t* tile = alignedScratch(scratch);
     uint32_t* pairs = tile + height * kTileLines;
+    const size_t group = groupOf(plan, height, width);
     const auto nothing = [](auto...) {};
     size_t x = 0;
-    for (size_t count; (count = std::min(kGroup, (width - x) / kTileLines)) > 0;
+    for (size_t count; (count = std::min(group, (width - x) / kTileLines)) > 0;
          x += count * kTileLines) {
         blurTiles<kNear, kPairs>({bitmap.pixels + x, height, width, count}, plan, pairs, nothing,
                                  nothing);
@@ -276,9 +315,11 @@ void blurColumnsByTaps(const BitmapStruct& bitmap, const PassPlan& plan, uint32_
 }
 
 size_t tapScratchWords(const PassPlan& plan, size_t length, size_t lines) {
-    const size_t tiles = std::min(kGroup, lines / kTileLines + 1);
-    return 16 + length * kTileLines + tiles * (kChunk / 2 + plan.taps.pairs) * kPairWords;
+    return 16 + length * kTileLines + groupOf(plan, length, lines) * pairWords(plan, length);
 }
+
+// Measured with AVX2 and with AVX-512; the ratio to a step is what counts, elsewhere too.
+size_t tapPairCost() { return kTileLines == 16 ? 22 : 32; }
 
 }  // namespace android::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
@@ -288,6 +329,7 @@ namespace android {
 HWY_EXPORT(blurRowsByTaps);
 HWY_EXPORT(blurColumnsByTaps);
 HWY_EXPORT(tapScratchWords);
+HWY_EXPORT(tapPairCost);
 
 void blurRowsByTaps(const BitmapStruct& bitmap, const PassPlan& plan, uint32_t* scratch) {
     HWY_DYNAMIC_DISPATCH(blurRowsByTaps)(bitmap, plan, scratch);
@@ -300,5 +342,7 @@ void blurColumnsByTaps(const BitmapStruct& bitmap, const PassPlan& plan, uint32_
 size_t tapScratchWords(const PassPlan& plan, size_t length, size_t lines) {
     return HWY_DYNAMIC_DISPATCH(tapScratchWords)(plan, length, lines);
 }
+
+size_t tapPairCost() { return HWY_DYNAMIC_DISPATCH(tapPairCost)(); }
 }  // namespace android
 #endif
