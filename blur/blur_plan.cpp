@@ -26,7 +26,7 @@ bool planTaps(const int32_t* folded, int32_t reach, TapPlan* plan) {
     const int32_t heaviest = *std::max_element(folded, folded + taps);
     plan->reach = reach;
     plan->pairs = static_cast<size_t>(reach) + 1;
-    plan->rounds = static_cast<size_t>(std::max(heaviest - 1, 0) / kMaxWeight) + 1;
+    plan->rounds = 1 + static_cast<size_t>(std::max(heaviest - 1, 0)) / kMaxWeight;
     if (!allocate(plan->weights, 2 * plan->pairs * plan->rounds)) return false;
     uint32_t* out = plan->weights.get();
     for (int32_t round = 0; round < static_cast<int32_t>(plan->rounds); ++round) {
@@ -268,8 +268,8 @@ bool foldKernel(const int32_t* kernel, int32_t size, int32_t length, FoldedKerne
     folded->reach = reach;
     if (!allocate(folded->weights, 2 * static_cast<size_t>(reach) + 1)) return false;
     for (int32_t k = 0; k < size; ++k) {
-        int32_t& weight =
-            folded->weights[static_cast<size_t>(std::clamp(k - half, -reach, reach) + reach)];
+        const int32_t place = std::clamp(k - half, -reach, reach) + reach;
+        int32_t& weight = folded->weights[static_cast<size_t>(place)];
         weight =
             static_cast<int32_t>(static_cast<uint32_t>(weight) + static_cast<uint32_t>(kernel[k]));
     }

@@ -25,12 +25,13 @@ using PixelVector = hn::Vec<Pixels>;
 constexpr size_t kTileLines = hn::MaxLanes(Pixels());
 
 // Turns a square of kTileLines x kTileLines pixels over its diagonal.
-HWY_INLINE void transposeBlock(const uint32_t* from, size_t fromStep, uint32_t* to, size_t toStep) {
+HWY_INLINE void transposeBlock(const uint32_t* from, size_t fromPitch, uint32_t* to,
+                               size_t toPitch) {
     const Pixels d;
     const hn::Repartition<uint64_t, Pixels> d64;
     // First 2 x 2, then 4 x 4 within each 128 bits, then the 128-bit halves.
     PixelVector row[kTileLines], two[kTileLines], four[kTileLines];
-    for (size_t i = 0; i < kTileLines; ++i) row[i] = hn::LoadU(d, from + i * fromStep);
+    for (size_t i = 0; i < kTileLines; ++i) row[i] = hn::LoadU(d, from + i * fromPitch);
     for (size_t i = 0; i < kTileLines; i += 2) {
         two[i] = hn::InterleaveLower(d, row[i], row[i + 1]);
         two[i + 1] = hn::InterleaveUpper(d, row[i], row[i + 1]);
@@ -43,7 +44,7 @@ HWY_INLINE void transposeBlock(const uint32_t* from, size_t fromStep, uint32_t* 
         }
     }
     const auto store = [&](size_t i, PixelVector column)
-                           HWY_ATTR { hn::StoreU(column, d, to + i * toStep); };
+                           HWY_ATTR { hn::StoreU(column, d, to + i * toPitch); };
     for (size_t i = 0; i < 4; ++i) {
         if constexpr (kTileLines == 16) {
             const PixelVector lower0 = hn::ConcatLowerLower(d, four[i + 8], four[i]);
@@ -94,11 +95,11 @@ HWY_INLINE void scatterRows(const uint32_t* tile, size_t lanes, size_t lines, si
     }
 }
 
-// Copies `length` rows of `lines` pixels between places whose rows lie `fromStep` and `toStep`
+// Copies `length` rows of `lines` pixels between places whose rows lie `fromPitch` and `toPitch`
 // apart.
-HWY_INLINE void copyLines(const uint32_t* from, size_t fromStep, size_t lines, size_t length,
-                          uint32_t* to, size_t toStep) {
-    for (size_t i = 0; i < length; ++i) std::copy_n(from + i * fromStep, lines, to + i * toStep);
+HWY_INLINE void copyLines(const uint32_t* from, size_t fromPitch, size_t lines, size_t length,
+                          uint32_t* to, size_t toPitch) {
+    for (size_t i = 0; i < length; ++i) std::copy_n(from + i * fromPitch, lines, to + i * toPitch);
 }
 
 // The quotient of each lane.
@@ -114,8 +115,7 @@ HWY_INLINE PixelVector divideByReciprocal(PixelVector sum, const Divisor& diviso
 
 // The first word at or behind `scratch` that starts a cache line.
 HWY_INLINE uint32_t* alignedScratch(uint32_t* scratch) {
-    return reinterpret_cast<uint32_t*>((reinterpret_cast<uintptr_t>(scratch) + 63) &
-                                       ~uintptr_t{63});
+    return scratch + (0 - reinterpret_cast<uintptr_t>(scratch)) % 64 / sizeof(uint32_t);
 }
 
 }  // namespace android::HWY_NAMESPACE

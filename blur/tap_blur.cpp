@@ -3,7 +3,6 @@
 #include <cstring>
 #include <type_traits>
 
-#define HWY_WANT_AVX3_DL  // twice AVX2's multiply-adds
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "blur/tap_blur.cpp"
 #include "hwy/cache_control.h"

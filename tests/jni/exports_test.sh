@@ -55,4 +55,8 @@ libnativehelper.so'
 needed=$(readelf -d -W "$library" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' |
     grep -vE '^(lib(stdc\+\+|m|gcc_s|c|[atu]b?san)|ld-linux-.*)\.so\.[0-9]+$' | sort)
 differ 'Needed libraries' "$expected" "$needed"
+# Highway lets the compiler use AVX-VNNI in its AVX-512 target, but a processor may have one only.
+if readelf -h "$library" | grep -q X86-64; then
+    differ 'AVX-VNNI instructions' '' "$(objdump -d "$library" | grep -F '{vex}' || true)"
+fi
 exit $status

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#define HWY_WANT_AVX3_DL  // as the library does for one of its kernels
 #include <hwy/highway.h>
 #include <hwy/targets.h>
 
