@@ -64,17 +64,21 @@ struct StepTerm {
     int32_t row;      // added to the output's number: a row of one of the tables
     uint32_t weight;  // twice the same 16 bits
 };
+// Terms of one kind, from `begin` to `end`. From `pixels` on they take pixels themselves, the ones
+// with the lowest rows first.
+struct StepTerms {
+    size_t begin, pixels, end;
+};
 struct StepPiece {
-    size_t addEnd;       // of the terms of weight 1, which come first
-    size_t subtractEnd;  // of those of weight -1
-    size_t end;          // of all its terms
-    uint32_t bias;       // keeps the sum from 0 to 65535; twice the same 16 bits
+    StepTerms added, subtracted, weighted;  // of weight 1, of weight -1, of any other one
+    uint32_t bias;                          // keeps the sum from 0 to 65535; twice the same 16 bits
 };
 struct StepPlan {
     int32_t border;          // rows in front of the first pixel and behind the last one
     int32_t rows;            // of a table: the pixels, borders included
     int32_t gaps[kMaxGaps];  // of the tables behind the first two
     size_t gapCount = 0;
+    bool prefixSums = false;  // whether a term takes one
     int32_t reach;
     std::unique_ptr<uint32_t[]> start;  // weights of the pixels 0 ... reach in the first output
     std::unique_ptr<StepTerm[]> terms;

@@ -113,6 +113,32 @@ HWY_INLINE PixelVector divideByReciprocal(PixelVector sum, const Divisor& diviso
     return hn::BitCast(d, hn::Or(low, high));
 }
 
+// The quotient of each lane in its bits 16 to 23, with anything below. Sums already hold the gap
+// when it is a near one.
+template <bool kNear>
+HWY_INLINE PixelVector divide(PixelVector sum, const Divisor& divisor) {
+    const Pixels d;
+    if constexpr (!kNear) {
+        return hn::ShiftLeft<16>(divideByReciprocal(sum, divisor));
+    } else {
+#if HWY_ARCH_ARM
+        const hn::Repartition<uint16_t, Pixels> d16;
+        const auto high = hn::BitCast(d16, hn::ShiftRight<16>(sum));
+        return hn::Add(sum,
+                       hn::BitCast(d, hn::Mul(high, hn::BitCast(d16, hn::Set(d, divisor.gap)))));
+#else
+        // The upper half of the sum times the gap, in one multiply-add.
+        const hn::RebindToSigned<Pixels> sums;
+        const hn::Repartition<int16_t, Pixels> d16;
+        const auto gap = hn::BitCast(d16, hn::Set(d, divisor.gap << 16));
+        auto second = hn::Zero(sums);
+        const auto first =
+            hn::ReorderWidenMulAccumulate(sums, hn::BitCast(d16, sum), gap, hn::Zero(sums), second);
+        return hn::Add(sum, hn::BitCast(d, hn::RearrangeToOddPlusEven(first, second)));
+#endif
+    }
+}
+
 // The first word at or behind `scratch` that starts a cache line.
 HWY_INLINE uint32_t* alignedScratch(uint32_t* scratch) {
     return scratch + (0 - reinterpret_cast<uintptr_t>(scratch)) % 64 / sizeof(uint32_t);

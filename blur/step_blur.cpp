@@ -1,5 +1,7 @@
 #include "blur/step_blur.h"
 
+#include <type_traits>
+
 #undef HWY_WANT_AVX3_DL  // a sixth faster, but twice the tables: more memory than a blur may hold
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "blur/step_blur.cpp"
@@ -56,13 +58,15 @@ HWY_INLINE LaneVector channelOf(const uint32_t* words) {
 
 // Puts the quotients of `sum` into one channel of the pixel words at `words`. The first channel
 // sets alpha.
-template <int kChannel>
+template <bool kNear, int kChannel>
 HWY_INLINE void putChannel(WideVector sum, const Divisor& divisor, uint32_t* words) {
     const Pixels d;
-    const auto put = [&](PixelVector v, uint32_t* at) {
-        const auto kept = hn::And(hn::LoadU(d, at), hn::Set(d, ~(uint32_t{0xFF} << 8 * kChannel)));
-        const auto byte = hn::ShiftLeft<8 * kChannel>(divideByReciprocal(v, divisor));
-        hn::StoreU(hn::Or(hn::Or(kept, hn::Set(d, 0xFF000000)), byte), d, at);
+    const auto byte = hn::Set(d, uint32_t{0xFF} << 8 * kChannel);
+    const auto put = [&](PixelVector v, uint32_t* at) HWY_ATTR {
+        const auto kept = hn::AndNot(byte, hn::LoadU(d, at));
+        const auto opaque = kChannel == 0 ? hn::Or(kept, hn::Set(d, 0xFF000000)) : kept;
+        const auto quotient = hn::ShiftRight<16 - 8 * kChannel>(divide<kNear>(v, divisor));
+        hn::StoreU(hn::OrAnd(opaque, quotient, byte), d, at);
     };
     put(sum.lower, words);
     put(sum.upper, words + kTileLines);
@@ -79,10 +83,14 @@ HWY_INLINE void layOut(const uint32_t* lines, size_t step, size_t length, const 
     }
     const auto first = hn::Load(d16, rows + border * kLines);
     const auto last = hn::Load(d16, rows + (border + length - 1) * kLines);
-    for (size_t i = 0; i < border; ++i) hn::Store(first, d16, rows + i * kLines);
-    for (size_t i = border + length; i < count; ++i) hn::Store(last, d16, rows + i * kLines);
+    // Where only pixels are taken, the window leaves out what lies farther away.
+    const bool far = plan.prefixSums || plan.gapCount > 0 || plan.pieceCount > 1;
+    const size_t before = far ? border : std::min(border, kOutputs);
+    const size_t behind = far ? count : std::min(count, border + length + kOutputs);
+    for (size_t i = border - before; i < border; ++i) hn::Store(first, d16, rows + i * kLines);
+    for (size_t i = border + length; i < behind; ++i) hn::Store(last, d16, rows + i * kLines);
     auto sum = hn::Zero(d16);
-    for (size_t i = 0; i < count; ++i) {
+    for (size_t i = 0; plan.prefixSums && i < count; ++i) {
         sum = hn::Add(sum, hn::Load(d16, rows + i * kLines));
         hn::Store(sum, d16, rows + (count + i) * kLines);
     }
@@ -110,44 +118,124 @@ HWY_INLINE WideVector firstSum(const StepPlan& plan, const uint16_t* rows) {
     return sum;
 }
 
+// Beyond the ends of a line all pixels are alike, so the terms that take those add up to a multiple
+// of one pixel. A kernel as wide as the line has half of its terms there.
+class Window {
+  public:
+    Window(const StepPlan& plan, size_t length) : plan_(plan), length_(length) {
+        const StepPiece& piece = plan.pieces[0];
+        kinds_[0] = {piece.added, piece.added.end, piece.added.end};
+        kinds_[1] = {piece.subtracted, piece.subtracted.end, piece.subtracted.end};
+        kinds_[2] = {piece.weighted, piece.weighted.end, piece.weighted.end};
+        for (const Kind& kind : kinds_) {
+            for (size_t t = kind.terms.pixels; t < kind.terms.end; ++t) before_ += weightOf(t);
+        }
+    }
+
+    // Takes the window on to the outputs from `y` on.
+    void moveTo(size_t y) {
+        const size_t border = static_cast<size_t>(plan_.border);
+        for (Kind& kind : kinds_) {
+            for (; kind.begin > kind.terms.pixels; --kind.begin) {
+                if (rowOf(kind.begin - 1) + y + kOutputs <= border + 1) break;
+                before_ -= weightOf(kind.begin - 1);
+            }
+            for (; kind.end > kind.begin; --kind.end) {
+                if (rowOf(kind.end - 1) + y < border + length_) break;
+                behind_ += weightOf(kind.end - 1);
+            }
+        }
+    }
+
+    // What is left of a piece's terms.
+    void narrow(StepPiece& piece) const {
+        StepTerms* const all[] = {&piece.added, &piece.subtracted, &piece.weighted};
+        for (size_t k = 0; k < 3; ++k) {
+            all[k]->pixels = kinds_[k].begin;
+            all[k]->end = kinds_[k].end;
+        }
+    }
+    uint32_t before() const { return before_; }
+    uint32_t behind() const { return behind_; }
+
+  private:
+    struct Kind {
+        StepTerms terms;
+        size_t begin, end;  // of those that take pixels of the line
+    };
+    size_t rowOf(size_t term) const { return static_cast<size_t>(plan_.terms[term].row); }
+    uint32_t weightOf(size_t term) const { return plan_.terms[term].weight & 0xFFFF; }
+
+    const StepPlan& plan_;
+    size_t length_;
+    Kind kinds_[3];
+    uint32_t before_ = 0, behind_ = 0;  // the weights of the terms beyond either end
+};
 // The changes of kOutputs sums, from output `y` on.
-HWY_INLINE void changesOf(const StepPlan& plan, const uint16_t* rows, size_t y,
-                          WideVector change[kOutputs]) {
+HWY_INLINE void changesOf(const StepPlan& plan, const uint16_t* rows, size_t length, size_t y,
+                          Window& window, WideVector change[kOutputs]) {
     const Pixels d;
     const Lanes d16;
     for (size_t o = 0; o < kOutputs; ++o) {
         change[o].lower = change[o].upper = hn::Set(d, 0u - plan.bias);
     }
-    const StepTerm* term = plan.terms.get();
+    const auto row = [&](size_t term) {
+        return rows + (y + static_cast<size_t>(plan.terms[term].row)) * kLines;
+    };
     for (size_t p = 0; p < plan.pieceCount; ++p) {
         const StepPiece& piece = plan.pieces[p];
         const auto bias = hn::BitCast(d16, hn::Set(d, piece.bias));
         LaneVector part0 = bias, part1 = bias, part2 = bias, part3 = bias;
-        const StepTerm* const terms = plan.terms.get();
-        const auto row = [&](const StepTerm* at) {
-            return rows + (y + static_cast<size_t>(at->row)) * kLines;
+        const auto add = [&](size_t begin, size_t end) HWY_ATTR {
+            for (size_t t = begin; t < end; ++t) {
+                const uint16_t* r = row(t);
+                part0 = hn::Add(part0, hn::Load(d16, r));
+                part1 = hn::Add(part1, hn::Load(d16, r + kLines));
+                part2 = hn::Add(part2, hn::Load(d16, r + 2 * kLines));
+                part3 = hn::Add(part3, hn::Load(d16, r + 3 * kLines));
+            }
         };
-        for (; term < terms + piece.addEnd; ++term) {
-            const uint16_t* r = row(term);
-            part0 = hn::Add(part0, hn::Load(d16, r));
-            part1 = hn::Add(part1, hn::Load(d16, r + kLines));
-            part2 = hn::Add(part2, hn::Load(d16, r + 2 * kLines));
-            part3 = hn::Add(part3, hn::Load(d16, r + 3 * kLines));
-        }
-        for (; term < terms + piece.subtractEnd; ++term) {
-            const uint16_t* r = row(term);
-            part0 = hn::Sub(part0, hn::Load(d16, r));
-            part1 = hn::Sub(part1, hn::Load(d16, r + kLines));
-            part2 = hn::Sub(part2, hn::Load(d16, r + 2 * kLines));
-            part3 = hn::Sub(part3, hn::Load(d16, r + 3 * kLines));
-        }
-        for (; term < terms + piece.end; ++term) {
-            const uint16_t* r = row(term);
-            const auto weight = hn::BitCast(d16, hn::Set(d, term->weight));
-            part0 = hn::Add(part0, hn::Mul(weight, hn::Load(d16, r)));
-            part1 = hn::Add(part1, hn::Mul(weight, hn::Load(d16, r + kLines)));
-            part2 = hn::Add(part2, hn::Mul(weight, hn::Load(d16, r + 2 * kLines)));
-            part3 = hn::Add(part3, hn::Mul(weight, hn::Load(d16, r + 3 * kLines)));
+        const auto subtract = [&](size_t begin, size_t end) HWY_ATTR {
+            for (size_t t = begin; t < end; ++t) {
+                const uint16_t* r = row(t);
+                part0 = hn::Sub(part0, hn::Load(d16, r));
+                part1 = hn::Sub(part1, hn::Load(d16, r + kLines));
+                part2 = hn::Sub(part2, hn::Load(d16, r + 2 * kLines));
+                part3 = hn::Sub(part3, hn::Load(d16, r + 3 * kLines));
+            }
+        };
+        const auto addWeighted = [&](size_t begin, size_t end) HWY_ATTR {
+            for (size_t t = begin; t < end; ++t) {
+                const uint16_t* r = row(t);
+                const auto weight = hn::BitCast(d16, hn::Set(d, plan.terms[t].weight));
+                part0 = hn::Add(part0, hn::Mul(weight, hn::Load(d16, r)));
+                part1 = hn::Add(part1, hn::Mul(weight, hn::Load(d16, r + kLines)));
+                part2 = hn::Add(part2, hn::Mul(weight, hn::Load(d16, r + 2 * kLines)));
+                part3 = hn::Add(part3, hn::Mul(weight, hn::Load(d16, r + 3 * kLines)));
+            }
+        };
+        if (plan.pieceCount == 1) {
+            StepPiece near = piece;
+            window.moveTo(y);
+            window.narrow(near);
+            const size_t border = static_cast<size_t>(plan.border);
+            const auto times = [&](size_t i, uint32_t weight) HWY_ATTR {
+                return hn::Mul(hn::Load(d16, rows + i * kLines),
+                               hn::Set(d16, static_cast<uint16_t>(weight)));
+            };
+            part0 = hn::Add(part0, hn::Add(times(border, window.before()),
+                                           times(border + length - 1, window.behind())));
+            part1 = part2 = part3 = part0;
+            add(near.added.begin, piece.added.pixels);
+            add(near.added.pixels, near.added.end);
+            subtract(near.subtracted.begin, piece.subtracted.pixels);
+            subtract(near.subtracted.pixels, near.subtracted.end);
+            addWeighted(near.weighted.begin, piece.weighted.pixels);
+            addWeighted(near.weighted.pixels, near.weighted.end);
+        } else {
+            add(piece.added.begin, piece.added.end);
+            subtract(piece.subtracted.begin, piece.subtracted.end);
+            addWeighted(piece.weighted.begin, piece.weighted.end);
         }
         const LaneVector parts[kOutputs] = {part0, part1, part2, part3};
         for (size_t o = 0; o < kOutputs; ++o) {
@@ -158,29 +246,37 @@ HWY_INLINE void changesOf(const StepPlan& plan, const uint16_t* rows, size_t y,
     }
 }
 
-template <int kChannel>
+template <bool kNear, int kChannel>
 HWY_INLINE void blurChannel(uint32_t* lines, size_t step, size_t length, const PassPlan& plan,
                             uint16_t* rows) {
     layOut<kChannel>(lines, step, length, plan.steps, rows);
     WideVector sum = firstSum(plan.steps, rows);
-    putChannel<kChannel>(sum, plan.divisor, lines);
+    if (kNear) {
+        const auto gap = hn::Set(Pixels(), plan.divisor.gap);
+        sum = {hn::Add(sum.lower, gap), hn::Add(sum.upper, gap)};
+    }
+    putChannel<kNear, kChannel>(sum, plan.divisor, lines);
+    Window window(plan.steps, length);
     for (size_t y = 1; y < length; y += kOutputs) {
         WideVector change[kOutputs];
-        changesOf(plan.steps, rows, y, change);
+        changesOf(plan.steps, rows, length, y, window, change);
         for (size_t o = 0; o < kOutputs && y + o < length; ++o) {
             sum.lower = hn::Add(sum.lower, change[o].lower);
             sum.upper = hn::Add(sum.upper, change[o].upper);
-            putChannel<kChannel>(sum, plan.divisor, lines + (y + o) * step);
+            putChannel<kNear, kChannel>(sum, plan.divisor, lines + (y + o) * step);
         }
     }
 }
 
 // Blurs kLines lines, in place: pixel i of the lines is the kLines words at lines + i * step.
-HWY_INLINE void blurLines(uint32_t* lines, size_t step, size_t length, const PassPlan& plan,
-                          uint16_t* rows) {
-    blurChannel<0>(lines, step, length, plan, rows);
-    blurChannel<1>(lines, step, length, plan, rows);
-    blurChannel<2>(lines, step, length, plan, rows);
+HWY_NOINLINE void blurLines(uint32_t* lines, size_t step, size_t length, const PassPlan& plan,
+                            uint16_t* rows) {
+    const auto blur = [&](auto near) HWY_ATTR {
+        blurChannel<near(), 0>(lines, step, length, plan, rows);
+        blurChannel<near(), 1>(lines, step, length, plan, rows);
+        blurChannel<near(), 2>(lines, step, length, plan, rows);
+    };
+    plan.divisor.gap <= kNearGap ? blur(std::true_type()) : blur(std::false_type());
 }
 
 void blurRowsBySteps(const BitmapStruct& bitmap, const PassPlan& plan, uint32_t* scratch) {

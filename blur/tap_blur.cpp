@@ -55,32 +55,6 @@ HWY_INLINE void makePair(PixelVector early, PixelVector late, uint32_t* pair) {
     hn::Store(hn::BitCast(d, hn::And(blueAlpha, byte)), d, pair + 2 * kTileLines);
 }
 
-// The quotient of each lane in its bits 16 to 23, with anything below. Sums already hold the gap
-// when it is a near one.
-template <bool kNear>
-HWY_INLINE PixelVector divide(PixelVector sum, const Divisor& divisor) {
-    const Pixels d;
-    if constexpr (!kNear) {
-        return hn::ShiftLeft<16>(divideByReciprocal(sum, divisor));
-    } else {
-#if HWY_ARCH_ARM
-        const hn::Repartition<uint16_t, Pixels> d16;
-        const auto high = hn::BitCast(d16, hn::ShiftRight<16>(sum));
-        return hn::Add(sum,
-                       hn::BitCast(d, hn::Mul(high, hn::BitCast(d16, hn::Set(d, divisor.gap)))));
-#else
-        // The upper half of the sum times the gap, in one multiply-add.
-        const hn::RebindToSigned<Pixels> sums;
-        const hn::Repartition<int16_t, Pixels> d16;
-        const auto gap = hn::BitCast(d16, hn::Set(d, divisor.gap << 16));
-        auto second = hn::Zero(sums);
-        const auto first =
-            hn::ReorderWidenMulAccumulate(sums, hn::BitCast(d16, sum), gap, hn::Zero(sums), second);
-        return hn::Add(sum, hn::BitCast(d, hn::RearrangeToOddPlusEven(first, second)));
-#endif
-    }
-}
-
 // Two outputs of a tile that start at the same pair; the second one is dropped when `two` is false.
 template <bool kNear, size_t kPairs>
 HWY_INLINE void blurTwo(const uint32_t* HWY_RESTRICT pairs, const PassPlan& plan,

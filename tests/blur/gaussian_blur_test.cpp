@@ -119,9 +119,9 @@ TEST(GaussianBlur, EqualsReferenceAtEverySize) {
 TEST(GaussianBlur, EqualsReferenceByStepsAtEverySize) {
     onEveryTarget([] {
         std::mt19937 random(27);
-        const reference::Kernel kernels[] = {gauss(60), gauss(140)};
+        const reference::Kernel kernels[] = {gauss(60), gauss(140), gauss(500)};
         for (int32_t n = 60; n <= 150; ++n) {
-            const reference::Kernel& kernel = kernels[n % 2];
+            const reference::Kernel& kernel = kernels[n % 3];
             expectEqualsReference(Image::random(n, 3, random), kernel.weights, kernel.norm);
             expectEqualsReference(Image::random(3, n, random), kernel.weights, kernel.norm);
         }
