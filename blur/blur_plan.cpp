@@ -193,11 +193,11 @@ void addPiece(const Changes& changes, size_t begin, size_t end, StepPlan* plan) 
         const auto number = [&](const StepTerm* term) {
             return static_cast<size_t>(term - plan->terms.get());
         };
-        const StepTerm* const begin = from;
+        const StepTerm* const others = from;
         while (from != last && kindOf(*from) == kind && !isPixel(*from)) ++from;
         const StepTerm* const pixels = from;
         while (from != last && kindOf(*from) == kind) ++from;
-        return StepTerms{number(begin), number(pixels), number(from)};
+        return StepTerms{number(others), number(pixels), number(from)};
     };
     StepPiece& piece = plan->pieces[plan->pieceCount++];
     piece = {termsOf(0), termsOf(1), termsOf(2), halves(bias, bias)};

@@ -15,21 +15,28 @@
 #include "blur/blur_plan.h"
 #include "hwy/highway.h"
 
+#if HWY_TARGET == HWY_AVX3_DL
+// Highway's own features of this target lack the instruction that multiplies and adds to the sums.
+// They have its twin for narrower vectors, which not every processor of this target knows: those
+// must not meet a multiply-add and an addition of its sum.
+#undef HWY_TARGET_STR
+#define HWY_TARGET_STR  \
+    HWY_TARGET_STR_AVX3 \
+    ",vpclmulqdq,avx512vbmi,avx512vbmi2,vaes,avxvnni,avx512bitalg,avx512vpopcntdq,avx512vnni"
+#endif
+
 HWY_BEFORE_NAMESPACE();
 namespace android::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
-// A vector holds one pixel of each of its lanes' lines.
-using Pixels = hn::CappedTag<uint32_t, 16>;
-using PixelVector = hn::Vec<Pixels>;
-constexpr size_t kTileLines = hn::MaxLanes(Pixels());
-
-// Turns a square of kTileLines x kTileLines pixels over its diagonal.
-HWY_INLINE void transposeBlock(const uint32_t* from, size_t fromPitch, uint32_t* to,
+// Turns a square of pixels, as many on each side as a vector has lanes, over its diagonal.
+template <class D>
+HWY_INLINE void transposeBlock(D d, const uint32_t* from, size_t fromPitch, uint32_t* to,
                                size_t toPitch) {
-    const Pixels d;
-    const hn::Repartition<uint64_t, Pixels> d64;
-    // First 2 x 2, then 4 x 4 within each 128 bits, then the 128-bit halves.
+    using PixelVector = hn::Vec<D>;
+    constexpr size_t kTileLines = hn::MaxLanes(D());
+    const hn::Repartition<uint64_t, D> d64;
+    // First 2 x 2, then 4 x 4 within each 128 bits, then the 128-bit parts.
     PixelVector row[kTileLines], two[kTileLines], four[kTileLines];
     for (size_t i = 0; i < kTileLines; ++i) row[i] = hn::LoadU(d, from + i * fromPitch);
     for (size_t i = 0; i < kTileLines; i += 2) {
@@ -66,13 +73,15 @@ HWY_INLINE void transposeBlock(const uint32_t* from, size_t fromPitch, uint32_t*
 
 // Turns `lines` rows of `length` pixels, `step` words apart, into a tile of `lanes` words a pixel:
 // word i * lanes + l is pixel i of row l. Lanes without a row keep what they held.
-HWY_INLINE void gatherRows(const uint32_t* rows, size_t step, size_t lines, size_t length,
+template <class D>
+HWY_INLINE void gatherRows(D d, const uint32_t* rows, size_t step, size_t lines, size_t length,
                            uint32_t* tile, size_t lanes) {
+    constexpr size_t kTileLines = hn::MaxLanes(D());
     for (size_t l = 0; l < lines; l += kTileLines) {
         const size_t some = std::min(kTileLines, lines - l);
         size_t i = 0;
         for (; some == kTileLines && i + kTileLines <= length; i += kTileLines) {
-            transposeBlock(rows + l * step + i, step, tile + i * lanes + l, lanes);
+            transposeBlock(d, rows + l * step + i, step, tile + i * lanes + l, lanes);
         }
         for (; i < length; ++i) {
             for (size_t k = l; k < l + some; ++k) tile[i * lanes + k] = rows[k * step + i];
@@ -81,13 +90,15 @@ HWY_INLINE void gatherRows(const uint32_t* rows, size_t step, size_t lines, size
 }
 
 // The way back.
-HWY_INLINE void scatterRows(const uint32_t* tile, size_t lanes, size_t lines, size_t length,
+template <class D>
+HWY_INLINE void scatterRows(D d, const uint32_t* tile, size_t lanes, size_t lines, size_t length,
                             uint32_t* rows, size_t step) {
+    constexpr size_t kTileLines = hn::MaxLanes(D());
     for (size_t l = 0; l < lines; l += kTileLines) {
         const size_t some = std::min(kTileLines, lines - l);
         size_t i = 0;
         for (; some == kTileLines && i + kTileLines <= length; i += kTileLines) {
-            transposeBlock(tile + i * lanes + l, lanes, rows + l * step + i, step);
+            transposeBlock(d, tile + i * lanes + l, lanes, rows + l * step + i, step);
         }
         for (; i < length; ++i) {
             for (size_t k = l; k < l + some; ++k) rows[k * step + i] = tile[i * lanes + k];
@@ -103,9 +114,10 @@ HWY_INLINE void copyLines(const uint32_t* from, size_t fromPitch, size_t lines, 
 }
 
 // The quotient of each lane.
-HWY_INLINE PixelVector divideByReciprocal(PixelVector sum, const Divisor& divisor) {
-    const Pixels d;
-    const hn::Repartition<uint64_t, Pixels> d64;
+template <class V>
+HWY_INLINE V divideByReciprocal(V sum, const Divisor& divisor) {
+    const hn::DFromV<V> d;
+    const hn::Repartition<uint64_t, hn::DFromV<V>> d64;
     const auto reciprocal = hn::Set(d, divisor.reciprocal);
     const auto odd = hn::BitCast(d, hn::ShiftRight<32>(hn::BitCast(d64, sum)));
     const auto low = hn::ShiftRight<40>(hn::MulEven(sum, reciprocal));
@@ -115,18 +127,19 @@ HWY_INLINE PixelVector divideByReciprocal(PixelVector sum, const Divisor& diviso
 
 // The quotient of each lane in its bits 16 to 23, with anything below. Sums already hold the gap
 // when it is a near one.
-template <bool kNear>
-HWY_INLINE PixelVector divide(PixelVector sum, const Divisor& divisor) {
+template <bool kNear, class V>
+HWY_INLINE V divide(V sum, const Divisor& divisor) {
+    using Pixels = hn::DFromV<V>;
     const Pixels d;
+    constexpr bool kTwin = HWY_TARGET == HWY_AVX3_DL && hn::MaxLanes(Pixels()) < 16;
     if constexpr (!kNear) {
         return hn::ShiftLeft<16>(divideByReciprocal(sum, divisor));
-    } else {
-#if HWY_ARCH_ARM
+    } else if constexpr (HWY_ARCH_ARM || kTwin) {
         const hn::Repartition<uint16_t, Pixels> d16;
         const auto high = hn::BitCast(d16, hn::ShiftRight<16>(sum));
-        return hn::Add(sum,
-                       hn::BitCast(d, hn::Mul(high, hn::BitCast(d16, hn::Set(d, divisor.gap)))));
-#else
+        const auto gap = hn::BitCast(d16, hn::Set(d, divisor.gap));
+        return hn::Add(sum, hn::BitCast(d, hn::Mul(high, gap)));
+    } else {
         // The upper half of the sum times the gap, in one multiply-add.
         const hn::RebindToSigned<Pixels> sums;
         const hn::Repartition<int16_t, Pixels> d16;
@@ -135,7 +148,6 @@ HWY_INLINE PixelVector divide(PixelVector sum, const Divisor& divisor) {
         const auto first =
             hn::ReorderWidenMulAccumulate(sums, hn::BitCast(d16, sum), gap, hn::Zero(sums), second);
         return hn::Add(sum, hn::BitCast(d, hn::RearrangeToOddPlusEven(first, second)));
-#endif
     }
 }
 

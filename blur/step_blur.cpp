@@ -2,7 +2,6 @@
 
 #include <type_traits>
 
-#undef HWY_WANT_AVX3_DL  // a sixth faster, but twice the tables: more memory than a blur may hold
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "blur/step_blur.cpp"
 #include "hwy/foreach_target.h"  // compiles the rest of this file once per instruction set
@@ -21,6 +20,12 @@
 
 HWY_BEFORE_NAMESPACE();
 namespace android::HWY_NAMESPACE {
+
+// A vector holds one pixel of each of its lanes' lines. Vectors twice as wide would be a
+// sixth faster, but take tables twice as large: more memory than a blur may hold.
+using Pixels = hn::CappedTag<uint32_t, 8>;
+using PixelVector = hn::Vec<Pixels>;
+constexpr size_t kTileLines = hn::MaxLanes(Pixels());
 
 using Lanes = hn::Repartition<uint16_t, Pixels>;  // twice the lines of a tile
 using LaneVector = hn::Vec<Lanes>;
@@ -287,9 +292,9 @@ void blurRowsBySteps(const BitmapStruct& bitmap, const PassPlan& plan, uint32_t*
     for (size_t y = 0; y < height; y += kLines) {
         const size_t lines = std::min(kLines, height - y);
         uint32_t* from = bitmap.pixels + y * width;
-        gatherRows(from, width, lines, width, tile, kLines);
+        gatherRows(Pixels(), from, width, lines, width, tile, kLines);
         blurLines(tile, kLines, width, plan, rows);
-        scatterRows(tile, kLines, lines, width, from, width);
+        scatterRows(Pixels(), tile, kLines, lines, width, from, width);
     }
 }
 

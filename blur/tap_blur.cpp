@@ -24,16 +24,13 @@
 // again, so nothing is shuffled but the rows of the horizontal pass, which are turned into lanes
 // and back.
 
-#if HWY_TARGET == HWY_AVX3_DL
-// Highway's own features of this target lack the instruction that multiplies and adds to the sums.
-#undef HWY_TARGET_STR
-#define HWY_TARGET_STR  \
-    HWY_TARGET_STR_AVX3 \
-    ",vpclmulqdq,avx512vbmi,avx512vbmi2,vaes,avxvnni,avx512bitalg,avx512vpopcntdq,avx512vnni"
-#endif
-
 HWY_BEFORE_NAMESPACE();
 namespace android::HWY_NAMESPACE {
+
+// A vector holds one pixel of each of its lanes' lines.
+using Pixels = hn::CappedTag<uint32_t, 16>;
+using PixelVector = hn::Vec<Pixels>;
+constexpr size_t kTileLines = hn::MaxLanes(Pixels());
 
 constexpr size_t kGroup = 64 / kTileLines;  // tiles side by side in a column pass, four cache lines
 constexpr size_t kChunk = 32;               // outputs between two moves of the pairs
@@ -245,13 +242,13 @@ HWY_NOINLINE void blurRows(const BitmapStruct& bitmap, const PassPlan& plan, uin
         const auto fetch = [&](size_t end) HWY_ATTR {
             end = std::min(width, (end + kTileLines - 1) / kTileLines * kTileLines);
             if (end <= fetched) return;
-            gatherRows(rows + fetched, width, lines, end - fetched, tile + fetched * kTileLines,
-                       kTileLines);
+            gatherRows(Pixels(), rows + fetched, width, lines, end - fetched,
+                       tile + fetched * kTileLines, kTileLines);
             fetched = end;
         };
         const auto deliver = [&](size_t begin, size_t end) HWY_ATTR {
-            scatterRows(tile + begin * kTileLines, kTileLines, lines, end - begin, rows + begin,
-                        width);
+            scatterRows(Pixels(), tile + begin * kTileLines, kTileLines, lines, end - begin,
+                        rows + begin, width);
         };
         blurTiles<kNear, kPairs>({tile, width, kTileLines, 1}, plan, pairs, fetch, deliver);
     }
