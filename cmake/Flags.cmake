@@ -17,5 +17,16 @@ if(ZOREN_SANITIZE)
     add_link_options(-fsanitize=${ZOREN_SANITIZE})
 endif()
 
+# Hardening: what an attacker finds writable, executable or unchecked. Sanitizers bring their own
+# checks of the C library's calls, and those of _FORTIFY_SOURCE need optimization.
+add_compile_options(-fstack-protector-strong)
+add_link_options(-Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
+if(NOT ZOREN_SANITIZE AND NOT CMAKE_BUILD_TYPE STREQUAL Debug)
+    add_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+endif()
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(aarch64|arm64)")
+    add_compile_options(-mbranch-protection=standard)
+endif()
+
 # The library alone: failures are return values.
 set(ZOREN_LIBRARY_FLAGS -fno-exceptions -fno-rtti)

@@ -3,6 +3,7 @@
 run_packages=(cmake ninja-build clang libhwy-dev libssl-dev openjdk-17-jdk-headless
     libpicocli-java libjackson2-core-java libmetadata-extractor-java libxmpcore-java)
 test_packages=(libgtest-dev libclang-rt-14-dev junit5)
+check_packages=(clang-format clang-tidy cppcheck g++)
 arm64_packages=(qemu-user-static g++-aarch64-linux-gnu
     libssl-dev:arm64 libgtest-dev:arm64 openjdk-17-jre-headless:arm64)
 bench_packages=(libbenchmark-dev python3-matplotlib)
