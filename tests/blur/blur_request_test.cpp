@@ -47,17 +47,4 @@ TEST(BlurRequest, BlursThenMasks) {
     }
 }
 
-TEST(BlurRequest, IsRefusedWholeWithoutMemory) {
-    const std::vector<uint32_t> before = {1, 2, 3, 4, 5, 6}, masked(6, 0xFFFE0000);
-    const int tries = failEachAllocation([&](FakeLibc& libc) {
-        FakePlatform platform;
-        Image image(2, 3, before);
-        platform.showBitmap(image);
-        android::getBlurEffect(platform.env(), nullptr, platform.bitmap(), 2.0f, 0xFF0000FF);
-        EXPECT_EQ(image.words(), libc.allocationFailed() ? before : masked);
-        EXPECT_EQ(platform.calls, kBalanced);
-    });
-    EXPECT_GT(tries, 4);  // a kernel, its scratch weights, the passes' tables and pixels
-}
-
 }  // namespace

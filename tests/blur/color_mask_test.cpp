@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/reference/reference.h"
-#include "tests/support/every_target.h"
 #include "tests/support/images.h"
 
 namespace {
@@ -35,23 +33,6 @@ TEST(ColorMask, LeavesNarrowAndLowUntouched) {
     }
     android::BitmapStruct negative = {-3, -3, nullptr};
     addMask(&negative, 0xFFFFFFFF);
-}
-
-TEST(ColorMask, EqualsReference) {
-    onEveryTarget([] {
-        std::mt19937 random(24);
-        for (uint32_t alpha = 0; alpha < 256; ++alpha) {
-            const int32_t width = 2 + static_cast<int32_t>(alpha) % 129;
-            const uint32_t color = alpha << 24 | (random() & 0xFFFFFF);
-            Image actual = Image::random(width, 3, random);
-            Image expected(width, 3, actual.words());
-            addMask(&actual, color);
-            reference::addMask(expected, color);
-            ASSERT_EQ(actual.words(), expected.words())
-                << "width " << width << " under " << std::hex << color;
-            ASSERT_TRUE(actual.storage.intact());
-        }
-    });
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/reference/reference.h"
 #include "tests/support/images.h"
 
 namespace {
@@ -74,23 +73,6 @@ TEST(RegionFill, LeavesSharedPixelsUntouched) {
     Image source(1 << 16, 1, 5), destination(1, 1 << 15, 6);
     kHeighten(&source, &destination);
     EXPECT_EQ(destination.words(), Pixels(1 << 15, 6));
-}
-
-TEST(RegionFill, EqualsReference) {
-    std::mt19937 random(25);
-    for (const auto& [width, height] : sweepSizes()) {
-        const Image source = Image::random(width, height, random);
-        for (const int32_t more : {0, 1, 2, 3, 14, 31, 38}) {
-            Image wide(width + more, height, 7), expectedWide(width + more, height, 7);
-            kWiden(&source, &wide);
-            reference::fillBitmapRegionHorizontal(source, expectedWide);
-            ASSERT_EQ(wide.words(), expectedWide.words()) << width << " + " << more;
-            Image high(width, height + more, 7), expectedHigh(width, height + more, 7);
-            kHeighten(&source, &high);
-            reference::fillBitmapRegionVertical(source, expectedHigh);
-            ASSERT_EQ(high.words(), expectedHigh.words()) << height << " + " << more;
-        }
-    }
 }
 
 }  // namespace

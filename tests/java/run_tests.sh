@@ -1,7 +1,7 @@
 #!/bin/bash
 # run_tests.sh LIB_DIR WORK_DIR JAVA ARGUMENT...
 #
-# Runs JUnit in a virtual machine that passes the configuration's uid test and finds the phone's
+# Runs a virtual machine, with JUnit or the load run, that passes the configuration's uid test and finds the phone's
 # files in a folder of its own.
 set -eu
 

@@ -1,35 +1,72 @@
 #include <gtest/gtest.h>
 
-#include <array>
 #include <thread>
 
-#include "include/zoren_runtime.h"
-#include "tests/support/images.h"
+#include "tests/reference/reference.h"
+#include "tests/support/fake_libc.h"
+#include "tests/support/fake_platform.h"
 
 namespace {
 
-// Everything a caller can compute from one image, through the public header.
-std::vector<uint32_t> everything(uint32_t seed) {
+const std::string kText = "<zoren/>";
+std::string configPath, statisticsPath;
+
+// Everything that the natives answer, for a picture of the caller's own and one of all threads.
+std::vector<std::string> everything(uint32_t seed, Image& shared) {
+    FakePlatform platform;
     std::mt19937 random(seed);
-    Image image = Image::random(61, 43, random);
-    std::array<int32_t, 39> kernel;
-    const int32_t norm = android::calcuGaussianTemplate(kernel.data(), 39, 10.0f);
-    android::GaussianBlurEffect(&image, kernel.data(), 39, norm);
-    android::addMask(&image, 0x60FF8800);
-    std::vector<uint32_t> results = image.words();
-    results.push_back(static_cast<uint32_t>(android::RGB2Gray(&image)));
-    results.push_back(static_cast<uint32_t>(android::BitmaptoColorCast(&image, 70, 90)));
-    return results;
+    Image own = Image::random(61, 43, random);
+    std::vector<std::string> answers;
+    platform.showBitmap(own);
+    platform.native<void(JNIEnv*, jobject, jobject, jfloat, uint32_t)>("getBlurEffect")(
+        platform.env(), nullptr, platform.bitmap(), static_cast<float>(seed * seed), 0x60FF8800);
+    answers.emplace_back(reinterpret_cast<char*>(own.pixels), 4 * own.storage.size());
+    platform.showBitmap(shared);
+    const auto gray = platform.native<jint(JNIEnv*, jobject, jobject)>("getBitmapGray");
+    answers.push_back(std::to_string(gray(platform.env(), nullptr, platform.bitmap())));
+    answers.push_back(std::to_string(
+        platform.native<jint(JNIEnv*, jobject, jobject, jint, jint)>("getBitmapColorCast")(
+            platform.env(), nullptr, platform.bitmap(), 70, static_cast<jint>(seed))));
+    platform.native<jstring(JNIEnv*, jobject)>("nativeGetConfigXML")(platform.env(), nullptr);
+    answers.push_back(platform.newString);
+    std::string name = "lo";
+    answers.push_back(std::to_string(
+        platform.native<jlong(JNIEnv*, jclass, jstring, jint, jint)>("nativeGetIfaceUidStat")(
+            platform.env(), nullptr, FakePlatform::string(name), static_cast<jint>(seed), 0)));
+    return answers;
 }
 
+// As many threads as four a processor, and every answer equals that of one thread alone.
 TEST(Concurrency, CallsShareNothing) {
-    std::vector<uint32_t> together[4];
+    std::string lines;
+    for (int uid = 0; uid < 20; ++uid) lines += "1 lo 0x0 " + std::to_string(uid) + " 0 7 7 7 7\n";
+    const TemporaryFile config(reference::encryptConfig(kText + std::string(8, 8)));
+    const TemporaryFile statistics(lines);
+    configPath = config.path(), statisticsPath = statistics.path();
+    const auto to = [](auto function) { return reinterpret_cast<void*>(+function); };
+    const ImportPatch patches[] = {
+        {"getuid", to([] { return 0u; })},
+        {"access", to([](const char*, int) { return 0; })},
+        {"fopen", to([](const char* path, const char* mode) {
+             return std::fopen(
+                 (std::string(path) == "/system/etc/jpsp" ? configPath : statisticsPath).c_str(),
+                 mode);
+         })},
+    };
+    Image shared(50, 40, 0x800000C8);
     std::vector<std::thread> threads;
-    for (uint32_t seed = 0; seed < 4; ++seed) {
-        threads.emplace_back([seed, &together] { together[seed] = everything(seed); });
+    std::vector<std::vector<std::string>> together(4 * std::thread::hardware_concurrency());
+    for (uint32_t t = 0; t < together.size(); ++t) {
+        threads.emplace_back([&, t] {
+            for (uint32_t round = 0; round < 10; ++round) together[t] = everything(t, shared);
+        });
     }
     for (std::thread& thread : threads) thread.join();
-    for (uint32_t seed = 0; seed < 4; ++seed) EXPECT_EQ(together[seed], everything(seed));
+    for (uint32_t t = 0; t < together.size(); ++t) {
+        EXPECT_EQ(together[t], everything(t, shared)) << t;
+        EXPECT_EQ(together[t][3], kText);
+        EXPECT_EQ(together[t][4], t < 20 ? "7" : "0");
+    }
 }
 
 }  // namespace

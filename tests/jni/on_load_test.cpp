@@ -30,11 +30,12 @@ const Lines kTables = {
     "zoren/net/ZorenTrafficStats: nativeGetIfaceUidStat (Ljava/lang/String;II)J",
 };
 
-// Whether all succeed or one of them fails.
+// Whether all succeed, all fail or one of them does.
 TEST(OnLoad, RegistersTheFourClassesInOrder) {
-    for (int failing = -1; failing < 4; ++failing) {
+    for (int failing = 0; failing <= 5; ++failing) {
         FakePlatform platform;
-        platform.failingRegistration = failing;
+        platform.failing = "registerNativeMethods";
+        platform.failingCall = failing;
         EXPECT_EQ(JNI_OnLoad(platform.vm(), nullptr), 0x00010004) << failing;
         EXPECT_EQ(platform.calls, Lines{"GetEnv 65540"}) << failing;
         EXPECT_EQ(tables(platform), kTables) << failing;
@@ -59,7 +60,7 @@ TEST(Registration, TellsFailure) {
         FakePlatform platform;
         EXPECT_GE(functions[i](platform.env()), 0) << i;
         EXPECT_EQ(tables(platform), Lines{kTables[i]});
-        platform.failingRegistration = 1;  // the next one
+        platform.failing = "registerNativeMethods";
         EXPECT_LT(functions[i](platform.env()), 0) << i;
     }
 }

@@ -54,7 +54,11 @@ TEST(TrafficCounter, GivesTheseTotals) {
         const char* failing = "";
         Lines calls = kWhole;
     };
-    const Lines unopened = {"GetStringUTFChars", kOpen, "ReleaseStringUTFChars"};
+    const std::string zero(1, '\0'), plain = "1 wlan0 0x0 1000 0 1 2 3 4\n";
+    const std::string megabyte = plain + std::string(1 << 20, '7') + "\n" + plain;
+    std::string million;
+    for (int i = 0; i < 1'000'000; ++i) million += plain;
+    const std::string huge(400, '9'), past = "18446744073709551616";  // saturates
     const Row rows[] = {
         {kStats, "wlan0", 1000, 0, 1110},
         {kStats, "wlan0", 1000, 1, 2220},
@@ -78,16 +82,27 @@ TEST(TrafficCounter, GivesTheseTotals) {
         {kHeader, "wlan0", 1000, 0, 0},
         {"", "wlan0", 1000, 3, 0},
         {pieces, "wlan0", 1000, 0, 11},
-        {kStats, "wlan0", 1000, 0, -1, "fopen", unopened},
+        {megabyte, "wlan0", 1000, 3, 8},
+        {million, "wlan0", 1000, 3, 4'000'000},
+        {"1 wlan0" + zero + " 0x0 1000 0 1 2 3 4\n" + plain, "wlan0", 1000, 0, 1},  // ends a line
+        {zero + plain + plain + zero, "wlan0", 1000, 1, 2},
+        {std::string(1 << 20, '\n') + plain, "wlan0", 1000, 0, 1},
+        {"4294967295 wlan0 0x0 1000 4294967295 1 1 1 1\n", "wlan0", 1000, 0, 1},
+        {"4294967296 wlan0 0x0 4294968296 4294967296 1 1 1 1\n", "wlan0", 1000, 0, 1},  // wrap
+        {past + " wlan0 0x0 1000 " + past + " 1 " + past + " 1 1\n", "wlan0", 1000, 1, -1},
+        {huge + plain, "wlan0", 1000, 0, 1},  // its second piece
+        {"1 wlan0 0x10000000000000000 1000 0 1 1 1 1\n", "wlan0", 1000, 0, 0},
+        {"-1 wlan0 0x-0 -4294966296 +0 -1 +2 3 4\n", "wlan0", 1000, 0, -1},
+        {"1 wlan0 0x 1000 0 1 1 1 1\n1 wlan0 0 1000 0 1 1 1 1\n1 wlan0 x0 1000 0 1 1 1 1\n",
+         "wlan0", 1000, 0, 0},
         {kStats, "wlan0", 1000, 4, -1, "fclose"},
-        {kStats, "wlan0", 1000, 0, -1, "GetStringUTFChars", {"GetStringUTFChars"}},
         {kStats, nullptr, 1000, 4, -1, "", {"throw null"}},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(testing::Message() << "row " << &row - rows);
         FakePlatform platform;
         FakeLibc libc;
-        platform.failing = libc.failing = row.failing;
+        platform.failing = row.failing;
         const TemporaryFile file(row.file);
         libc.file = file.path();
         EXPECT_EQ(total(platform, row.name, row.uid, row.selector), row.total);
@@ -95,6 +110,22 @@ TEST(TrafficCounter, GivesTheseTotals) {
         EXPECT_EQ(platform.log, Lines{});
         EXPECT_TRUE(libc.balanced());
     }
+}
+
+// Another file in its place while it is read changes nothing.
+TEST(TrafficCounter, ReadsTheFileItOpened) {
+    static const TemporaryFile first("1 lo 0x0 0 0 1 2 3 4\n");
+    FakePlatform platform;
+    FakeLibc libc;
+    const ImportPatch replace("fopen", reinterpret_cast<void*>(+[](const char*, const char* mode) {
+                                  std::FILE* stream = std::fopen(first.path().c_str(), mode);
+                                  const TemporaryFile second("1 lo 0x0 0 0 50 60 70 80\n");
+                                  EXPECT_EQ(
+                                      std::rename(second.path().c_str(), first.path().c_str()), 0);
+                                  return stream;
+                              }));
+    EXPECT_EQ(total(platform, "lo", 0, 2), 3);
+    EXPECT_EQ(total(platform, "lo", 0, 2), 70);
 }
 
 // Plain lines, and lines with an odd field, an odd byte or odd gaps, some longer than one read.

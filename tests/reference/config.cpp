@@ -29,7 +29,8 @@ std::optional<std::string> decryptConfig(const std::string& file) {
     const std::string plain = crypt(file, 0);
     const size_t pad = static_cast<unsigned char>(plain.back());
     if (pad > plain.size()) return std::nullopt;
-    return plain.substr(0, plain.size() - pad).c_str();  // ends at the first zero byte
+    const std::string text = plain.substr(0, plain.size() - pad);
+    return text.substr(0, text.find('\0'));
 }
 
 }  // namespace reference

@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <map>
 #include <new>
+#include <utility>
 
 #include "tests/support/fake_platform.h"
 
@@ -21,13 +22,14 @@ FakeLibc* active = nullptr;
 std::map<uint8_t*, size_t> held;  // blocks of the library and their bytes
 const uint8_t *schedule = nullptr, *plaintext = nullptr;
 
-bool fails(const char* call) { return active->failing == call; }
+bool fails(const char* call) { return FakePlatform::current().fails(call); }
 
 void record(const std::string& call) { FakePlatform::current().calls.push_back(call); }
 
 template <typename Allocate>
-void* take(size_t bytes, Allocate allocate) {
-    if (++active->allocations == active->failingAllocation || bytes > kLargestBlock) return nullptr;
+void* take(const char* call, size_t bytes, Allocate allocate) {
+    const bool failed = ++active->allocations == active->failingAllocation || fails(call);
+    if (failed || bytes > kLargestBlock) return nullptr;
     void* block = allocate();
     held[static_cast<uint8_t*>(block)] = bytes;
     return block;
@@ -39,15 +41,24 @@ void* give(void* block) {
     const uint8_t *begin = entry->first, *end = begin + entry->second;
     if (begin <= plaintext && plaintext < end) {
         active->plaintextWiped = std::all_of(begin, end, [](uint8_t byte) { return byte == 0; });
+        plaintext = nullptr;  // the address may be in use again
     }
     held.erase(entry);
     return block;
 }
 
+size_t readBlock(void* buffer, size_t size, size_t count, FILE* stream) {
+    const size_t lost = fails("fread") ? 1 : fails("fread nothing") ? count : 0;
+    return std::fread(buffer, size, count - lost, stream);
+}
+
+char* readLine(char* line, int size, FILE* stream) {
+    return fails("fgets") ? nullptr : std::fgets(line, size, stream);
+}
+
 }  // namespace
 
-FakeLibc::FakeLibc() {
-    active = this;
+FakeLibc::FakeLibc() : previous_(std::exchange(active, this)) {
     schedule = plaintext = nullptr;  // an earlier call's address may be in use again
     patchMemory();
     patchFiles();
@@ -57,18 +68,19 @@ FakeLibc::FakeLibc() {
 FakeLibc::~FakeLibc() {
     patches_.clear();
     held.clear();
+    active = previous_;
 }
 
 size_t FakeLibc::heldBlocks() const { return held.size(); }
 
 void FakeLibc::patchMemory() {
     // Each goes on to its own kind: the sanitizers tell a block of `new` from one of `malloc`.
-    patch("malloc", [](size_t n) { return take(n, [n] { return std::malloc(n); }); });
+    patch("malloc", [](size_t n) { return take("malloc", n, [n] { return std::malloc(n); }); });
     patch("calloc", [](size_t count, size_t n) {
-        return take(count * n, [=] { return std::calloc(count, n); });
+        return take("calloc", count * n, [=] { return std::calloc(count, n); });
     });
     patch("_ZnamRKSt9nothrow_t", [](size_t n, const std::nothrow_t& tag) {
-        return take(n, [&] { return ::operator new[](n, tag); });
+        return take("_ZnamRKSt9nothrow_t", n, [&] { return ::operator new[](n, tag); });
     });
     patch("free", [](void* block) { std::free(give(block)); });
     patch("_ZdaPv", [](void* block) { ::operator delete[](give(block)); });
@@ -98,8 +110,19 @@ void FakeLibc::patchFiles() {
         if (active->position != 0) return active->position;
         return fails("ftell") ? -1 : std::ftell(stream);
     });
-    patch("fread", [](void* buffer, size_t size, size_t count, FILE* stream) {
-        return std::fread(buffer, size, fails("fread") ? count - 1 : count, stream);
+    patch("rewind", [](FILE* stream) {
+        if (!fails("rewind")) std::rewind(stream);
+    });
+    // These two are called by other names where the library is compiled with checks of its buffers.
+    patch("fread", readBlock);
+    patch("__fread_chk", [](void* buffer, size_t, size_t size, size_t count, FILE* stream) {
+        return readBlock(buffer, size, count, stream);
+    });
+    patch("fgets", readLine);
+    patch("__fgets_chk",
+          [](char* line, size_t, int size, FILE* stream) { return readLine(line, size, stream); });
+    patch("setvbuf", [](FILE* stream, char* buffer, int mode, size_t size) {
+        return fails("setvbuf") ? -1 : std::setvbuf(stream, buffer, mode, size);
     });
     // For death tests: the log reaches the parent through standard error.
     patch("exit", [](int status) {

@@ -7,18 +7,17 @@
 
 #include "tests/support/import_patch.h"
 
-// While it lives, the library's memory, file and process calls come here instead: they fail where a
-// test says and every path is the file the test gave. Needs a FakePlatform, whose list of calls the
-// file calls join.
+// While it lives, the library's memory, file and process calls come here instead: they fail where
+// the script says and every path is the file the test gave. Needs a FakePlatform, whose script and
+// list of calls they share. A read fails as "fread", a byte short, and as "fread nothing".
 class FakeLibc {
   public:
-    FakeLibc();  // at most one lives at a time
+    FakeLibc();  // the latest one counts
     ~FakeLibc();
 
     // The script.
     std::string file;           // the path that takes the place of any other
     unsigned uid = 0;           // of the process
-    std::string failing;        // the name of the one call that reports failure
     long position = 0;          // what ftell says; 0 for the truth
     int failingAllocation = 0;  // counted from 1; 0 for none
 
@@ -45,6 +44,7 @@ class FakeLibc {
     void patchFiles();
     void patchCipher();
 
+    FakeLibc* const previous_;
     std::vector<ImportPatch> patches_;
 };
 

@@ -7,10 +7,11 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 namespace {
 
-FakePlatform* active = nullptr;
+thread_local FakePlatform* active = nullptr;
 
 // Names a call and marks one that came with another environment or object than the test gave.
 FakePlatform& record(const char* call, JNIEnv* env, jobject bitmap) {
@@ -27,20 +28,25 @@ extern "C" {
 
 int AndroidBitmap_getInfo(JNIEnv* env, jobject bitmap, AndroidBitmapInfo* info) {
     FakePlatform& platform = record("getInfo", env, bitmap);
+    if (platform.fails("AndroidBitmap_getInfo")) return -1;
     if (platform.infoResult >= 0) *info = platform.info;
     return platform.infoResult;
 }
 
 int AndroidBitmap_lockPixels(JNIEnv* env, jobject bitmap, void** pixels) {
     FakePlatform& platform = record("lock", env, bitmap);
-    if (platform.lockResult >= 0) *pixels = platform.pixels;
+    if (platform.fails("AndroidBitmap_lockPixels")) return -1;
+    if (platform.lockResult < 0) return platform.lockResult;
+    *pixels = platform.pixels;
+    ++platform.held;
     return platform.lockResult;
 }
 
 int AndroidBitmap_unlockPixels(JNIEnv* env, jobject bitmap) {
     FakePlatform& platform = record("unlock", env, bitmap);
     if (platform.atUnlock) platform.atUnlock();
-    return platform.unlockResult;
+    --platform.held;
+    return platform.fails("AndroidBitmap_unlockPixels") ? -1 : platform.unlockResult;
 }
 
 int __android_log_print(int priority, const char* tag, const char* format, ...) {
@@ -50,12 +56,12 @@ int __android_log_print(int priority, const char* tag, const char* format, ...) 
     const int length = std::vsnprintf(text, sizeof text, format, arguments);
     va_end(arguments);
     active->log.push_back(std::to_string(priority) + " " + tag + ": " + text);
-    return length;
+    return active->fails("__android_log_print") ? -1 : length;
 }
 
 int jniThrowNullPointerException(JNIEnv*, const char* message) {
     active->calls.push_back(std::string("throw ") + (message ? message : "null"));
-    return 0;
+    return active->fails("jniThrowNullPointerException") ? -1 : 0;
 }
 
 }  // extern "C"
@@ -64,40 +70,46 @@ int android::AndroidRuntime::registerNativeMethods(JNIEnv* env, const char* clas
                                                    const JNINativeMethod* methods, int count) {
     active->registrations.push_back({className, {methods, methods + count}});
     if (env != active->env()) return -2;
-    const int index = static_cast<int>(active->registrations.size()) - 1;
-    return index == active->failingRegistration ? -1 : 0;
+    return active->fails("registerNativeMethods") ? -1 : 0;
 }
 
 extern "C" jint JNI_OnLoad(JavaVM* vm, void* reserved);
 
-FakePlatform::FakePlatform() {
-    active = this;
+FakePlatform::FakePlatform() : previous_(std::exchange(active, this)) {
     functions_.NewStringUTF = [](JNIEnv*, const char* text) {
         active->calls.push_back("NewStringUTF");
         active->newString = text;
-        return active->failing == "NewStringUTF" ? nullptr : string(active->newString);
+        return active->fails("NewStringUTF") ? nullptr : string(active->newString);
     };
     functions_.GetStringUTFChars = [](JNIEnv*, jstring text, jboolean* isCopy) -> const char* {
         active->calls.push_back(isCopy ? "GetStringUTFChars isCopy" : "GetStringUTFChars");
-        if (active->failing == "GetStringUTFChars") return nullptr;
+        if (active->fails("GetStringUTFChars")) return nullptr;
+        ++active->held;
         return strdup(reinterpret_cast<std::string*>(text)->c_str());  // a leak if not released
     };
     functions_.ReleaseStringUTFChars = [](JNIEnv*, jstring, const char* chars) {
         active->calls.push_back("ReleaseStringUTFChars");
+        --active->held;
         std::free(const_cast<char*>(chars));
     };
     invocation_.GetEnv = [](JavaVM*, void** env, jint version) {
         active->calls.push_back("GetEnv " + std::to_string(version));
-        *env = active->getEnvResult == JNI_OK ? active->env() : nullptr;
-        return active->getEnvResult;
+        const jint result = active->fails("GetEnv") ? JNI_EVERSION : active->getEnvResult;
+        *env = result == JNI_OK ? active->env() : nullptr;
+        return result;
     };
     env_.functions = &functions_;
     vm_.functions = &invocation_;
 }
 
-FakePlatform::~FakePlatform() { active = nullptr; }
+FakePlatform::~FakePlatform() { active = previous_; }
 
 FakePlatform& FakePlatform::current() { return *active; }
+
+bool FakePlatform::fails(const char* call) {
+    const int number = ++reached[call];
+    return failing == call && (failingCall == 0 || failingCall == number);
+}
 
 void FakePlatform::showBitmap(Image& image) {
     info = {static_cast<uint32_t>(image.width), static_cast<uint32_t>(image.height),
@@ -107,8 +119,11 @@ void FakePlatform::showBitmap(Image& image) {
 
 void* FakePlatform::nativeAddress(const char* name) {
     if (registrations.empty()) {
+        const std::string script = std::exchange(failing, "");
         JNI_OnLoad(vm(), nullptr);
+        failing = script;
         calls.clear();
+        reached.clear();
     }
     for (const Registration& registration : registrations) {
         for (const JNINativeMethod& method : registration.methods) {

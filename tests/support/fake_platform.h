@@ -4,6 +4,7 @@
 #include <jni.h>
 
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -18,24 +19,27 @@ class FakePlatform {
         std::vector<JNINativeMethod> methods;
     };
 
-    FakePlatform();  // at most one lives at a time
+    FakePlatform();  // the latest one of its thread counts
     ~FakePlatform();
 
     // The script.
     jint getEnvResult = JNI_OK;
-    int failingRegistration = -1;  // counted from 0
     AndroidBitmapInfo info = {};
     int infoResult = 0, lockResult = 0, unlockResult = 0;
     uint32_t* pixels = nullptr;
     std::function<void()> atUnlock;
-    std::string failing;  // "NewStringUTF" or "GetStringUTFChars"
+    std::string failing;  // the call that reports failure, also one of the C library or libcrypto
+    int failingCall = 0;  // which one of them, counted from 1; 0 for every one
 
     // What came in: every call in order, the log ("<priority> <tag>: <text>"), the tables.
     std::vector<std::string> calls;
     std::vector<std::string> log;
     std::vector<Registration> registrations;
     std::string newString;
+    std::map<std::string, int> reached;  // how often what can fail was called
+    int held = 0;                        // locks and strings that were not given back
 
+    bool fails(const char* call);   // counts it; whether the script lets this one fail
     void showBitmap(Image& image);  // as a packed RGBA_8888 bitmap
     JNIEnv* env() { return &env_; }
     JavaVM* vm() { return &vm_; }
@@ -53,6 +57,7 @@ class FakePlatform {
   private:
     void* nativeAddress(const char* name);
 
+    FakePlatform* const previous_;
     JNINativeInterface_ functions_ = {};
     JNIInvokeInterface_ invocation_ = {};
     JNIEnv env_ = {};

@@ -15,6 +15,13 @@ constexpr unsigned kJumpSlot = R_X86_64_JUMP_SLOT, kGlobalData = R_X86_64_GLOB_D
 constexpr unsigned kJumpSlot = R_AARCH64_JUMP_SLOT, kGlobalData = R_AARCH64_GLOB_DAT;
 #endif
 
+const link_map* runtimeLibrary() {
+    const link_map* library = _r_debug.r_map;
+    while (std::strstr(library->l_name, "libzoren_runtime.so") == nullptr)
+        library = library->l_next;
+    return library;
+}
+
 // The value of a dynamic section's entry; the loader has made the pointers among them absolute.
 ElfW(Addr) entryOf(const link_map& library, ElfW(Sxword) tag) {
     for (const ElfW(Dyn)* entry = library.l_ld; entry->d_tag != DT_NULL; ++entry) {
@@ -33,10 +40,23 @@ void store(void** slot, void* value) {
 
 }  // namespace
 
+std::vector<std::string> ImportPatch::functions() {
+    const link_map* library = runtimeLibrary();
+    const auto* symbols = reinterpret_cast<const ElfW(Sym)*>(entryOf(*library, DT_SYMTAB));
+    const auto* names = reinterpret_cast<const char*>(entryOf(*library, DT_STRTAB));
+    // Its second word: the first symbol that can be looked up here; those before it are imported.
+    const uint32_t count = reinterpret_cast<const uint32_t*>(entryOf(*library, DT_GNU_HASH))[1];
+    std::vector<std::string> functions;
+    for (uint32_t i = 1; i < count; ++i) {
+        const auto type = ELF64_ST_TYPE(symbols[i].st_info);
+        if (symbols[i].st_shndx == SHN_UNDEF && type != STT_OBJECT && type != STT_TLS)
+            functions.push_back(names + symbols[i].st_name);
+    }
+    return functions;
+}
+
 ImportPatch::ImportPatch(const char* symbol, void* replacement) {
-    const link_map* library = _r_debug.r_map;
-    while (std::strstr(library->l_name, "libzoren_runtime.so") == nullptr)
-        library = library->l_next;
+    const link_map* library = runtimeLibrary();
     const auto* symbols = reinterpret_cast<const ElfW(Sym)*>(entryOf(*library, DT_SYMTAB));
     const auto* names = reinterpret_cast<const char*>(entryOf(*library, DT_STRTAB));
     for (const auto& [table, size] : {std::pair{DT_RELA, DT_RELASZ}, {DT_JMPREL, DT_PLTRELSZ}}) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -9,6 +10,8 @@
 // use while another thread is in the library.
 class ImportPatch {
   public:
+    static std::vector<std::string> functions();  // all that the library imports
+
     ImportPatch(const char* symbol, void* replacement);
     ImportPatch(ImportPatch&& other) noexcept : slots_(std::exchange(other.slots_, {})) {}
     ~ImportPatch();

@@ -4,7 +4,9 @@ import static org.junit.jupiter.api.Assertions.*;
 
 import android.graphics.Bitmap.Config;
 import java.nio.ByteBuffer;
+import java.util.stream.IntStream;
 import java.util.stream.Stream;
+import org.junit.jupiter.api.RepeatedTest;
 import org.junit.jupiter.api.Test;
 import org.junit.jupiter.params.ParameterizedTest;
 import org.junit.jupiter.params.provider.CsvSource;
@@ -59,6 +61,20 @@ class BitmapNativesTest {
                 assertArrayEquals(new byte[bitmap.getByteCount()], bytes(bitmap), "bitmap " + i);
             }
         }
+    }
+
+    @RepeatedTest(20)
+    void mayBeRecycledDuringACall() throws InterruptedException {
+        final Bitmap bitmap = Bitmap.createBitmap(400, 400, Config.ARGB_8888);
+        bitmap.setPixels(IntStream.generate(() -> -1).limit(160000).toArray(), 0, 400, 0, 0, 400, 400);
+        final Thread other = new Thread(bitmap::recycle);
+        other.start();
+        final int gray = BitmapGrayUtil.getBitmapGray(bitmap);
+        assertTrue(gray == 255 || gray == -1, "gray " + gray);
+        BlurUtil.getBlurEffect(bitmap, 30, 0x40FF8800);
+        other.join();
+        assertEquals(-1, BitmapGrayUtil.getBitmapGray(bitmap));
+        assertEquals(0, bitmap.lockCount());
     }
 
     private static int[] colors(String hex) {

@@ -1,0 +1,194 @@
+package zoren.bench;
+
+import static java.nio.charset.StandardCharsets.UTF_8;
+
+import android.graphics.Bitmap;
+import android.util.ZorenConfig;
+import java.lang.management.ManagementFactory;
+import java.lang.reflect.Method;
+import java.nio.IntBuffer;
+import java.nio.file.*;
+import java.util.*;
+import java.util.concurrent.*;
+import java.util.concurrent.atomic.AtomicLong;
+import javax.crypto.Cipher;
+import javax.crypto.spec.*;
+import javax.management.ObjectName;
+import zoren.net.ZorenTrafficStats;
+import zoren.util.*;
+
+/**
+ * Calls the five natives from many threads at once. Every result must equal the one that a single
+ * thread had before, and the process must hold no more at the end than after a warm-up.
+ */
+public final class LoadRun {
+    private static final int THREADS = 4 * Runtime.getRuntime().availableProcessors();
+    private static final Path ROOT = Path.of(System.getenv("ZOREN_DEVICE_ROOT"));
+    private static final String XML = "<item name='load'>\u00e9</item>\n".repeat(30);
+    private static final int[][] SIZES = {{24, 17}, {2, 2}, {31, 40}, {100, 3}, {5, 130}};
+    private static final float[] RADII = {0, 0.7f, 2.5f, 8, 12.3f, 25, 60, 300, 1500};
+    private static final List<Bitmap> BITMAPS = new ArrayList<>(); // all there are
+
+    private static final String[] HELD = {
+        "KiB of resident memory (/proc/self/smaps_rollup)",
+        "open files (/proc/self/fd)",
+        "locks (the bitmaps' counts)",
+        "global references (thread dump)",
+    };
+    // The machine itself takes about 250 KiB, and holds a class or two that it compiles.
+    private static final long[] ALLOWED = {1024, 0, 0, 2};
+
+    static {
+        System.loadLibrary("zoren_local_references");
+    }
+
+    private LoadRun() {}
+
+    /** Makes as many calls as the argument says. Exit code 1 when a check fails. */
+    public static void main(String[] args) throws Exception {
+        writeDeviceFiles();
+        final int calls = Integer.parseInt(args[0]);
+        final int[] ends = {0, calls / 5, calls}; // of the warm-up and of the rest
+        final Bitmap[] shared = bitmaps();
+        final Object[][] expected = new Object[5][RADII.length];
+        for (int i = 0; i < 5 * RADII.length; i++) {
+            expected[i % 5][i / 5] = call(i % 5, i / 5, shared[i / 5]);
+        }
+        if (!expected[3][0].equals(XML) || !expected[4][1].equals(1012L)) {
+            throw new IllegalStateException("the files of the device are not read");
+        }
+        final List<long[]> held = new ArrayList<>();
+        final CyclicBarrier rest = new CyclicBarrier(THREADS, () -> held.add(held()));
+        final AtomicLong wrong = new AtomicLong();
+        final AtomicLong littered = new AtomicLong();
+        final ExecutorService pool = Executors.newFixedThreadPool(THREADS);
+        final List<Callable<Void>> parts = new ArrayList<>();
+        for (int t = 0; t < THREADS; t++) {
+            final int thread = t;
+            final Bitmap[] own = bitmaps();
+            parts.add(() -> {
+                for (int phase = 0; phase < 2; phase++) {
+                    final long size = ends[phase + 1] - ends[phase];
+                    long i = ends[phase] + size * thread / THREADS;
+                    for (; i < ends[phase] + size * (thread + 1) / THREADS; i++) {
+                        final int kind = (int) (i % 5);
+                        final int row = (int) (i / 5 % RADII.length);
+                        // What only reads has the bitmap of all threads every other time.
+                        final boolean mine = kind == 0 || i / 5 / RADII.length % 2 == 0;
+                        final long references = localReferences();
+                        final Object result = call(kind, row, (mine ? own : shared)[row]);
+                        if (localReferences() - references != (kind == 3 ? 1 : 0)) {
+                            littered.incrementAndGet();
+                        }
+                        if (!expected[kind][row].equals(result)) {
+                            wrong.incrementAndGet();
+                        }
+                    }
+                    rest.await(10, TimeUnit.MINUTES);
+                }
+                return null;
+            });
+        }
+        final long start = System.nanoTime();
+        final List<Future<Void>> ended = pool.invokeAll(parts);
+        pool.shutdown();
+        for (final Future<Void> part : ended) {
+            part.get();
+        }
+        System.out.printf("%d calls by %d threads in %.1f s, growth from call %d on%n",
+                calls, THREADS, (System.nanoTime() - start) / 1e9, ends[1]);
+        boolean passed = check("results that differ from one thread's", 0, wrong.get(), 0);
+        passed &= check("calls that leave a local reference other than their result"
+                + " (JNI function table)", 0, littered.get(), 0);
+        for (int k = 0; k < HELD.length; k++) {
+            passed &= check(HELD[k], held.get(0)[k], held.get(1)[k], ALLOWED[k]);
+        }
+        System.exit(passed ? 0 : 1);
+    }
+
+    /** How many local references native code has made and not deleted on this thread. */
+    private static native long localReferences();
+
+    private static Object call(int kind, int i, Bitmap bitmap) {
+        return switch (kind) {
+            case 0 -> blurred(bitmap, i);
+            case 1 -> BitmapGrayUtil.getBitmapGray(bitmap);
+            case 2 -> BitmapGrayUtil.getBitmapColorCast(bitmap, 10 * i, 90);
+            case 3 -> ZorenConfig.getConfigXML();
+            default -> ZorenTrafficStats.getRxBytes("wlan0", 1000 + i);
+        };
+    }
+
+    /** Blurs the bitmap and returns the pixels; the bitmap is as before. */
+    private static IntBuffer blurred(Bitmap bitmap, int i) {
+        final IntBuffer before = IntBuffer.allocate(bitmap.getWidth() * bitmap.getHeight());
+        final IntBuffer after = IntBuffer.allocate(before.capacity());
+        bitmap.copyPixelsToBuffer(before);
+        BlurUtil.getBlurEffect(bitmap, RADII[i], 0x40FF8800 * (i % 2));
+        bitmap.copyPixelsToBuffer(after);
+        bitmap.copyPixelsFromBuffer(before.flip());
+        return after.flip();
+    }
+
+    private static Bitmap[] bitmaps() {
+        final Bitmap[] bitmaps = new Bitmap[RADII.length];
+        for (int i = 0; i < bitmaps.length; i++) {
+            final int[] size = SIZES[i % SIZES.length];
+            final int tint = i % 2 == 0 ? 0xFFFF0000 : 0; // a cast, or noise
+            final int[] colors = new Random(i).ints(size[0] * size[1]).map(x -> x | tint).toArray();
+            bitmaps[i] = Bitmap.createBitmap(colors, size[0], size[1], Bitmap.Config.ARGB_8888);
+        }
+        BITMAPS.addAll(Arrays.asList(bitmaps));
+        return bitmaps;
+    }
+
+    /** What the process holds now, in the order of HELD. */
+    private static long[] held() {
+        try {
+            System.gc();
+            final Object dump = ManagementFactory.getPlatformMBeanServer().invoke(
+                    new ObjectName("com.sun.management:type=DiagnosticCommand"), "threadPrint",
+                    new Object[] {new String[0]}, new String[] {String[].class.getName()});
+            final Method lockCount = Bitmap.class.getDeclaredMethod("lockCount");
+            lockCount.setAccessible(true);
+            long locks = 0;
+            for (final Bitmap bitmap : BITMAPS) {
+                locks += (int) lockCount.invoke(bitmap);
+            }
+            return new long[] {
+                number(Files.readString(Path.of("/proc/self/smaps_rollup")), "Rss:"),
+                Path.of("/proc/self/fd").toFile().list().length,
+                locks,
+                number(dump.toString(), "JNI global refs:"),
+            };
+        } catch (Exception e) {
+            e.printStackTrace(); // the threads only learn that they were let down
+            throw new IllegalStateException(e);
+        }
+    }
+
+    private static long number(String text, String label) {
+        final String behind = text.substring(text.indexOf(label) + label.length());
+        return Long.parseLong(behind.strip().split("\\D", 2)[0]);
+    }
+
+    private static boolean check(String what, long before, long after, long allowed) {
+        final boolean passed = after - before <= allowed;
+        System.out.printf("%s %+7d (from %d, at most +%d)  %s%n",
+                passed ? "passed" : "FAILED", after - before, before, allowed, what);
+        return passed;
+    }
+
+    private static void writeDeviceFiles() throws Exception {
+        final byte[] key = "Qx7@Lumatrix2049".getBytes(UTF_8);
+        final Cipher aes = Cipher.getInstance("AES/CBC/PKCS5Padding");
+        aes.init(Cipher.ENCRYPT_MODE, new SecretKeySpec(key, "AES"), new IvParameterSpec(key));
+        Files.write(ROOT.resolve("system/etc/jpsp"), aes.doFinal(XML.getBytes(UTF_8)));
+        final StringBuilder lines = new StringBuilder();
+        for (int uid = 1000; uid < 1000 + RADII.length; uid++) {
+            lines.append("2 wlan0 0x0 " + uid + " 0 " + uid + " 1 2 3\n");
+            lines.append("3 wlan0 0x0 " + uid + " 1 11 1 2 3\n4 wlan0 0x1 " + uid + " 0 5 1 2 3\n");
+        }
+        Files.writeString(ROOT.resolve("proc/net/xt_qtaguid/stats"), lines);
+    }
+}

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+// What is fuzzed. Each target reads its arguments from the bytes, calls the unmodified library and
+// compares with the plain reference; a difference, a finding of a sanitizer or an access beyond a
+// page ends the process.
+namespace fuzz {
+
+using Target = void (*)(const uint8_t* data, size_t size);
+
+struct NamedTarget {
+    const char* name;
+    Target run;
+};
+
+extern const NamedTarget kTargets[];
+extern const size_t kTargetCount;
+
+}  // namespace fuzz
