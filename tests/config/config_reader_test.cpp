@@ -36,7 +36,7 @@ std::optional<std::string> answer(FakePlatform& platform, FakeLibc& libc) {
     const jstring result =
         platform.native<jstring(JNIEnv*, jobject)>("nativeGetConfigXML")(platform.env(), nullptr);
     EXPECT_TRUE(libc.balanced()) << "held " << libc.heldBlocks() << ", open " << libc.openFiles
-                                 << ", wiped " << libc.scheduleWiped << libc.plaintextWiped;
+                                 << ", wiped " << libc.keysWiped() << libc.plaintextWiped;
     return result == nullptr ? std::nullopt : std::optional(platform.newString);
 }
 

@@ -20,7 +20,8 @@ constexpr size_t kLargestBlock = size_t{1} << 30;  // a larger allocation fails
 
 FakeLibc* active = nullptr;
 std::map<uint8_t*, size_t> held;  // blocks of the library and their bytes
-const uint8_t *schedule = nullptr, *plaintext = nullptr;
+const uint8_t* plaintext = nullptr;
+std::map<const uint8_t*, size_t> keys;  // the schedule and the copy of the key that begins a file
 
 bool fails(const char* call) { return FakePlatform::current().fails(call); }
 
@@ -59,7 +60,8 @@ char* readLine(char* line, int size, FILE* stream) {
 }  // namespace
 
 FakeLibc::FakeLibc() : previous_(std::exchange(active, this)) {
-    schedule = plaintext = nullptr;  // an earlier call's address may be in use again
+    keys.clear();
+    plaintext = nullptr;  // an earlier call's address may be in use again
     patchMemory();
     patchFiles();
     patchCipher();
@@ -72,6 +74,7 @@ FakeLibc::~FakeLibc() {
 }
 
 size_t FakeLibc::heldBlocks() const { return held.size(); }
+bool FakeLibc::keysWiped() const { return keys.empty(); }
 
 void FakeLibc::patchMemory() {
     // Each goes on to its own kind: the sanitizers tell a block of `new` from one of `malloc`.
@@ -135,20 +138,22 @@ void FakeLibc::patchFiles() {
 void FakeLibc::patchCipher() {
     patch("AES_set_decrypt_key", [](const unsigned char* user, const int bits, AES_KEY* key) {
         if (fails("AES_set_decrypt_key")) return -1;
-        schedule = reinterpret_cast<const uint8_t*>(key);
-        active->scheduleWiped = false;
+        keys[reinterpret_cast<const uint8_t*>(key)] = sizeof *key;
         return AES_set_decrypt_key(user, bits, key);
     });
     patch("AES_cbc_encrypt", [](const unsigned char* in, unsigned char* out, size_t length,
                                 const AES_KEY* key, unsigned char* vector, const int encrypt) {
         plaintext = out;
         active->plaintextWiped = false;
+        keys[vector] = AES_BLOCK_SIZE;
         AES_cbc_encrypt(in, out, length, key, vector, encrypt);
     });
     patch("OPENSSL_cleanse", [](void* memory, size_t bytes) {
         const auto* begin = static_cast<const uint8_t*>(memory);
-        const bool whole = begin <= schedule && schedule + sizeof(AES_KEY) <= begin + bytes;
-        active->scheduleWiped = active->scheduleWiped || whole;
+        for (auto key = keys.begin(); key != keys.end();) {
+            const bool whole = begin <= key->first && key->first + key->second <= begin + bytes;
+            key = whole ? keys.erase(key) : std::next(key);
+        }
         OPENSSL_cleanse(memory, bytes);
     });
 }

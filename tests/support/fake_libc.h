@@ -24,7 +24,8 @@ class FakeLibc {
     // What came in.
     int allocations = 0;  // asked for, failed ones included
     int openFiles = 0;
-    bool scheduleWiped = true, plaintextWiped = true;  // false while a secret lies in memory
+    bool plaintextWiped = true;  // false while it lies in memory
+    bool keysWiped() const;
     size_t heldBlocks() const;
     bool allocationFailed() const {
         return failingAllocation > 0 && allocations >= failingAllocation;
@@ -32,7 +33,7 @@ class FakeLibc {
 
     // Nothing is held, open or left readable.
     bool balanced() const {
-        return heldBlocks() == 0 && openFiles == 0 && scheduleWiped && plaintextWiped;
+        return heldBlocks() == 0 && openFiles == 0 && keysWiped() && plaintextWiped;
     }
 
   private:
