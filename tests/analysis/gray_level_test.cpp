@@ -28,6 +28,10 @@ TEST(GrayLevel, IsThisForUniformImages) {
         EXPECT_EQ(RGB2Gray(&image), row.gray)
             << row.width << " x " << row.height << " of " << std::hex << row.pixel;
     }
+    for (const int32_t side : {46341, 65536}) {  // too many pixels to count in 31 bits
+        const android::BitmapStruct bitmap = {side, side, nullptr};
+        EXPECT_EQ(RGB2Gray(&bitmap), 0) << side;
+    }
 }
 
 TEST(GrayLevel, EqualsReference) {

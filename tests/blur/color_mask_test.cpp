@@ -31,8 +31,10 @@ TEST(ColorMask, LeavesNarrowAndLowUntouched) {
         addMask(&image, 0xFFFFFFFF);
         for (uint32_t word : image.words()) EXPECT_EQ(word, 0x12345678u) << width;
     }
-    android::BitmapStruct negative = {-3, -3, nullptr};
-    addMask(&negative, 0xFFFFFFFF);
+    for (const int32_t side : {-3, 46341, 65536}) {  // whose count is none, or wraps to none
+        android::BitmapStruct bitmap = {side, side, nullptr};
+        addMask(&bitmap, 0xFFFFFFFF);
+    }
 }
 
 }  // namespace

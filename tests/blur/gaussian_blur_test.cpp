@@ -37,6 +37,7 @@ const Row kRows[] = {
     {"uniform", Pixels(6, 0x1E140A), kRadius10, 65521, Pixels(6, 0x1E140A)},
     {"transparent", Pixels(4, 0), kThree, 65535, Pixels(4, 0)},
     {"norm 0", Pixels(4, 0xFFFFFFFF), kThree, 0, Pixels(4, 0)},
+    {"just negative", {0xFF, 0, 0xFF, 0}, {-1, 300, -1}, 300, {0xFC, 0, 0xFC, 0}},
     {"first tap: from the left and above", {1, 2, 3, 4}, {1, 0, 0}, 1, Pixels(4, 1)},
     {"last tap: from the right and below", {1, 2, 3, 4, 5, 6}, {0, 0, 1}, 1, {4, 4, 6, 6, 6, 6}},
     // 128 * 2^24 wraps to the one sum whose quotient by -1 does not fit.

@@ -61,12 +61,19 @@ TEST(RegionFill, GivesThesePixels) {
 TEST(RegionFill, LeavesSharedPixelsUntouched) {
     const Pixels before = {1, 2, 3, 4, 5, 6, 7, 8, 9};
     for (const auto fill : {kWiden, kHeighten}) {
-        for (const size_t offset : {0, 1, 3}) {
+        for (const auto& [from, to] : {std::pair{0, 0}, {1, 0}, {3, 0}, {0, 2}}) {
             Image image(3, 3, before);
-            const android::BitmapStruct part = {1, 3, image.pixels + offset};
-            android::BitmapStruct whole = {fill == kWiden ? 2 : 1, 5, image.pixels};
+            const android::BitmapStruct part = {1, 3, image.pixels + from};
+            android::BitmapStruct whole = {fill == kWiden ? 2 : 1, 5, image.pixels + to};
             fill(&part, &whole);
-            EXPECT_EQ(image.words(), before) << offset;
+            EXPECT_EQ(image.words(), before) << from << " to " << to;
+        }
+        for (const int from : {0, 3}) {  // side by side
+            Image image(4, 1, {1, 2, 3, 4});
+            const android::BitmapStruct pixel = {1, 1, image.pixels + from};
+            android::BitmapStruct three = {3, 3, image.pixels + (from == 0 ? 1 : 0)};
+            fill(&pixel, &three);
+            EXPECT_EQ(image.words(), Pixels(4, static_cast<uint32_t>(from) + 1));
         }
     }
     // One row too many for the row offsets; not one word of it is there.
