@@ -36,7 +36,8 @@ bool planTaps(const int32_t* folded, int32_t reach, TapPlan* plan) {
                        ? 0
                        : std::clamp(folded[tap] - round * kMaxWeight, 0, kMaxWeight);
         };
-        for (int32_t tap = 0; tap < taps; tap += 2) {
+        for (size_t pair = 0; pair < plan->pairs; ++pair) {
+            const int32_t tap = static_cast<int32_t>(2 * pair);
             *out++ = halves(weight(tap), weight(tap + 1));
             *out++ = halves(weight(tap - 1), weight(tap));
         }
@@ -304,7 +305,7 @@ bool makePassPlan(const int32_t* kernel, int32_t size, int32_t norm, int32_t len
     if (!planSteps(folded.weights.get(), folded.reach, length, &plan->steps, &possible))
         return false;
     if (!possible || !stepsAreCheaper(plan->steps, plan->taps, tapPairCost, length)) {
-        plan->steps.terms.reset();
+        plan->steps = StepPlan();
     }
     return true;
 }

@@ -77,6 +77,9 @@ HWY_INLINE void putChannel(WideVector sum, const Divisor& divisor, uint32_t* wor
     put(sum.upper, words + kTileLines);
 }
 
+// Whether terms that meet the border alone are left out (Window).
+HWY_INLINE bool hasWindow(const StepPlan& plan) { return plan.pieceCount == 1; }
+
 // Lays out the bytes of one channel with their borders, then their prefix sums.
 template <int kChannel>
 HWY_INLINE void layOut(const uint32_t* lines, size_t step, size_t length, const StepPlan& plan,
@@ -88,8 +91,9 @@ HWY_INLINE void layOut(const uint32_t* lines, size_t step, size_t length, const 
     }
     const auto first = hn::Load(d16, rows + border * kLines);
     const auto last = hn::Load(d16, rows + (border + length - 1) * kLines);
-    // Where only pixels are taken, the window leaves out what lies farther away.
-    const bool far = plan.prefixSums || plan.gapCount > 0 || plan.pieceCount > 1;
+    // Where only pixels are taken, a window leaves out what lies farther away than an output's
+    // neighbours.
+    const bool far = plan.prefixSums || plan.gapCount > 0 || !hasWindow(plan);
     const size_t before = far ? border : std::min(border, kOutputs);
     const size_t behind = far ? count : std::min(count, border + length + kOutputs);
     for (size_t i = border - before; i < border; ++i) hn::Store(first, d16, rows + i * kLines);
@@ -124,58 +128,47 @@ HWY_INLINE WideVector firstSum(const StepPlan& plan, const uint16_t* rows) {
 }
 
 // Beyond the ends of a line all pixels are alike, so the terms that take those add up to a multiple
-// of one pixel. A kernel as wide as the line has half of its terms there.
-class Window {
-  public:
-    Window(const StepPlan& plan, size_t length) : plan_(plan), length_(length) {
-        const StepPiece& piece = plan.pieces[0];
-        kinds_[0] = {piece.added, piece.added.end, piece.added.end};
-        kinds_[1] = {piece.subtracted, piece.subtracted.end, piece.subtracted.end};
-        kinds_[2] = {piece.weighted, piece.weighted.end, piece.weighted.end};
-        for (const Kind& kind : kinds_) {
-            for (size_t t = kind.terms.pixels; t < kind.terms.end; ++t) before_ += weightOf(t);
-        }
-    }
-
-    // Takes the window on to the outputs from `y` on.
-    void moveTo(size_t y) {
-        const size_t border = static_cast<size_t>(plan_.border);
-        for (Kind& kind : kinds_) {
-            for (; kind.begin > kind.terms.pixels; --kind.begin) {
-                if (rowOf(kind.begin - 1) + y + kOutputs <= border + 1) break;
-                before_ -= weightOf(kind.begin - 1);
-            }
-            for (; kind.end > kind.begin; --kind.end) {
-                if (rowOf(kind.end - 1) + y < border + length_) break;
-                behind_ += weightOf(kind.end - 1);
-            }
-        }
-    }
-
-    // What is left of a piece's terms.
-    void narrow(StepPiece& piece) const {
-        StepTerms* const all[] = {&piece.added, &piece.subtracted, &piece.weighted};
-        for (size_t k = 0; k < 3; ++k) {
-            all[k]->pixels = kinds_[k].begin;
-            all[k]->end = kinds_[k].end;
-        }
-    }
-    uint32_t before() const { return before_; }
-    uint32_t behind() const { return behind_; }
-
-  private:
-    struct Kind {
-        StepTerms terms;
-        size_t begin, end;  // of those that take pixels of the line
-    };
-    size_t rowOf(size_t term) const { return static_cast<size_t>(plan_.terms[term].row); }
-    uint32_t weightOf(size_t term) const { return plan_.terms[term].weight & 0xFFFF; }
-
-    const StepPlan& plan_;
-    size_t length_;
-    Kind kinds_[3];
-    uint32_t before_ = 0, behind_ = 0;  // the weights of the terms beyond either end
+// of one pixel. A kernel as wide as the line has half of its terms there. Kept for plans of a
+// single piece: those of wide kernels.
+struct Window {
+    StepTerms near[3];        // of the piece, added, subtracted and weighted: what takes the line
+    uint32_t before, behind;  // the weights of the terms beyond either end
 };
+
+HWY_INLINE uint32_t weightOf(const StepPlan& plan, size_t term) {
+    return plan.terms[term].weight & 0xFFFF;
+}
+
+// In front of the first output, with all terms before the line.
+HWY_INLINE Window windowOf(const StepPlan& plan) {
+    const StepPiece& piece = plan.pieces[0];
+    Window window = {{piece.added, piece.subtracted, piece.weighted}, 0, 0};
+    for (StepTerms& terms : window.near) {
+        for (size_t t = terms.pixels; t < terms.end; ++t) window.before += weightOf(plan, t);
+        terms.pixels = terms.end;
+    }
+    return window;
+}
+
+// Takes the window on to the outputs from `y` on.
+HWY_INLINE void moveWindow(const StepPlan& plan, size_t length, size_t y, Window& window) {
+    const StepPiece& piece = plan.pieces[0];
+    const size_t first[] = {piece.added.pixels, piece.subtracted.pixels, piece.weighted.pixels};
+    const size_t border = static_cast<size_t>(plan.border);
+    const auto row = [&](size_t term) { return static_cast<size_t>(plan.terms[term].row) + y; };
+    for (size_t k = 0; k < 3; ++k) {
+        StepTerms& terms = window.near[k];
+        for (; terms.pixels > first[k]; --terms.pixels) {
+            if (row(terms.pixels - 1) + kOutputs <= border + 1) break;
+            window.before -= weightOf(plan, terms.pixels - 1);
+        }
+        for (; terms.end > terms.pixels; --terms.end) {
+            if (row(terms.end - 1) < border + length) break;
+            window.behind += weightOf(plan, terms.end - 1);
+        }
+    }
+}
+
 // The changes of kOutputs sums, from output `y` on.
 HWY_INLINE void changesOf(const StepPlan& plan, const uint16_t* rows, size_t length, size_t y,
                           Window& window, WideVector change[kOutputs]) {
@@ -219,24 +212,22 @@ HWY_INLINE void changesOf(const StepPlan& plan, const uint16_t* rows, size_t len
                 part3 = hn::Add(part3, hn::Mul(weight, hn::Load(d16, r + 3 * kLines)));
             }
         };
-        if (plan.pieceCount == 1) {
-            StepPiece near = piece;
-            window.moveTo(y);
-            window.narrow(near);
+        if (hasWindow(plan)) {
+            moveWindow(plan, length, y, window);
             const size_t border = static_cast<size_t>(plan.border);
             const auto times = [&](size_t i, uint32_t weight) HWY_ATTR {
                 return hn::Mul(hn::Load(d16, rows + i * kLines),
                                hn::Set(d16, static_cast<uint16_t>(weight)));
             };
-            part0 = hn::Add(part0, hn::Add(times(border, window.before()),
-                                           times(border + length - 1, window.behind())));
+            part0 = hn::Add(part0, hn::Add(times(border, window.before),
+                                           times(border + length - 1, window.behind)));
             part1 = part2 = part3 = part0;
-            add(near.added.begin, piece.added.pixels);
-            add(near.added.pixels, near.added.end);
-            subtract(near.subtracted.begin, piece.subtracted.pixels);
-            subtract(near.subtracted.pixels, near.subtracted.end);
-            addWeighted(near.weighted.begin, piece.weighted.pixels);
-            addWeighted(near.weighted.pixels, near.weighted.end);
+            add(piece.added.begin, piece.added.pixels);
+            add(window.near[0].pixels, window.near[0].end);
+            subtract(piece.subtracted.begin, piece.subtracted.pixels);
+            subtract(window.near[1].pixels, window.near[1].end);
+            addWeighted(piece.weighted.begin, piece.weighted.pixels);
+            addWeighted(window.near[2].pixels, window.near[2].end);
         } else {
             add(piece.added.begin, piece.added.end);
             subtract(piece.subtracted.begin, piece.subtracted.end);
@@ -261,7 +252,7 @@ HWY_INLINE void blurChannel(uint32_t* lines, size_t step, size_t length, const P
         sum = {hn::Add(sum.lower, gap), hn::Add(sum.upper, gap)};
     }
     putChannel<kNear, kChannel>(sum, plan.divisor, lines);
-    Window window(plan.steps, length);
+    Window window = windowOf(plan.steps);
     for (size_t y = 1; y < length; y += kOutputs) {
         WideVector change[kOutputs];
         changesOf(plan.steps, rows, length, y, window, change);

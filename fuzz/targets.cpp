@@ -33,7 +33,7 @@ class Bytes {
     T take() {
         T value = {};
         const size_t bytes = std::min(left_, sizeof value);
-        std::memcpy(&value, at_, bytes);
+        if (bytes > 0) std::memcpy(&value, at_, bytes);
         at_ += bytes;
         left_ -= bytes;
         return value;
@@ -154,7 +154,7 @@ void blur(const uint8_t* data, size_t size) {
     Bytes bytes(data, size);
     chooseInstructionSet(bytes);
     const int32_t taps = 2 * bytes.upTo(200) - 1, width = 1 + bytes.upTo(150);
-    const int32_t height = 1 + bytes.upTo(std::max(1, 20'000 / taps / width));
+    const int32_t height = 1 + bytes.upTo(std::max(1, 60'000 / taps / width));
     const reference::Kernel kernel = kernelFrom(bytes, taps);
     Image image = bytes.image(width, height);
     Image expected(width, height, image.words());
@@ -234,7 +234,11 @@ void region(const uint8_t* data, size_t size) {
 
 void hsb(const uint8_t* data, size_t size) {
     Bytes bytes(data, size);
-    const float h = bytes.take<float>(), s = bytes.take<float>(), v = bytes.take<float>();
+    const bool raw = bytes.take<uint8_t>() % 2 == 0;  // any bits, or values that occur
+    const auto value = [&](float unit) {
+        return raw ? bytes.take<float>() : static_cast<float>(bytes.take<int16_t>()) * unit;
+    };
+    const float h = value(0.03f), s = value(0.7e-4f), v = value(0.5e-4f);
     int32_t actual[3], expected[3];
     android::HSBtoRGB(actual[0], actual[1], actual[2], h, s, v);
     reference::HSBtoRGB(expected[0], expected[1], expected[2], h, s, v);

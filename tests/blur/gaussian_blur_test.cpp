@@ -91,6 +91,26 @@ TEST(GaussianBlur, LeavesUntouchedWithoutMemory) {
     }
 }
 
+// Beyond the picture at most 64 words for each row, column and tap.
+TEST(GaussianBlur, KeepsToItsMemory) {
+    Weights zigzag(199, 0);  // changes as many and as large as steps can take
+    for (size_t i = 1; i < zigzag.size(); i += 2) zigzag[i] = 257;
+    const Weights kernels[] = {kThree, zigzag, gauss(10).weights, gauss(60).weights,
+                               gauss(400).weights};
+    for (const Weights& kernel : kernels) {
+        const int32_t size = static_cast<int32_t>(kernel.size());
+        for (const auto& [width, height] :
+             {std::pair(2, 2), {17, 3}, {100, 100}, {33, 64}, {600, 40}, {56, 1000}}) {
+            FakePlatform platform;
+            FakeLibc libc;
+            Image image(width, height, 0x336699);
+            GaussianBlurEffect(&image, kernel.data(), size, 65536);
+            EXPECT_LE(libc.peakBytes / 4, 64u * (width + height + size))
+                << width << " x " << height << " under " << size;
+        }
+    }
+}
+
 void expectEqualsReference(const Image& source, const Weights& weights, int32_t norm) {
     const GuardedArray<int32_t> kernel(weights);
     const int32_t size = static_cast<int32_t>(weights.size());

@@ -1,8 +1,8 @@
 #!/bin/bash
 # run_tests.sh LIB_DIR WORK_DIR JAVA ARGUMENT...
 #
-# Runs a virtual machine, with JUnit or the load run, that passes the configuration's uid test and finds the phone's
-# files in a folder of its own.
+# Runs a virtual machine, with JUnit or the load run, that passes the configuration's uid test and
+# finds the phone's files in a folder of its own.
 set -eu
 
 lib=$1 work=$2

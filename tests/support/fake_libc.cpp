@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <map>
 #include <new>
+#include <numeric>
 #include <utility>
 
 #include "tests/support/fake_platform.h"
@@ -33,6 +34,9 @@ void* take(const char* call, size_t bytes, Allocate allocate) {
     if (failed || bytes > kLargestBlock) return nullptr;
     void* block = allocate();
     held[static_cast<uint8_t*>(block)] = bytes;
+    active->peakBytes = std::max(
+        active->peakBytes, std::accumulate(held.begin(), held.end(), size_t{0},
+                                           [](size_t n, const auto& b) { return n + b.second; }));
     return block;
 }
 

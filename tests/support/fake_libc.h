@@ -27,6 +27,7 @@ class FakeLibc {
     bool plaintextWiped = true;  // false while it lies in memory
     bool keysWiped() const;
     size_t heldBlocks() const;
+    size_t peakBytes = 0;  // the most that was held at a time
     bool allocationFailed() const {
         return failingAllocation > 0 && allocations >= failingAllocation;
     }
