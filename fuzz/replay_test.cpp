@@ -23,8 +23,8 @@ TEST(FuzzCorpus, Replays) {
     }
 }
 
-// Noise reaches most of what the fuzzers reach: every remainder of every vector among it, because
-// the targets read their sizes from the bytes.
+// Noise reaches most of what the fuzzers reach: every remainder of every vector, kernels of any
+// kind and files under another key among it, because the targets read what they do from the bytes.
 TEST(FuzzCorpus, AnyBytes) {
     std::mt19937 random(61);
     for (size_t t = 0; t < fuzz::kTargetCount; ++t) {

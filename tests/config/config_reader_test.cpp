@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <climits>
-#include <random>
 
 #include "tests/reference/reference.h"
 #include "tests/support/fake_libc.h"
@@ -154,18 +153,6 @@ TEST(ConfigReader, RefusesOtherUsersBeforeTouchingTheFile) {
         EXPECT_EQ(platform.calls, Lines{});
         const std::string line = "4 zorenconfig: getConfigXML error uid: ";
         EXPECT_EQ(platform.log, Lines{line + std::to_string(uid) + " \n"});
-    }
-}
-
-// Any bytes: so a file under another key opens to.
-TEST(ConfigReader, EqualsReference) {
-    std::mt19937 random(41);
-    for (int round = 0; round < 200; ++round) {
-        std::string file(16 * (1 + random() % 12), '\0');
-        for (char& c : file) c = static_cast<char>(random());
-        FakePlatform platform;
-        FakeLibc libc;
-        ASSERT_EQ(ask(platform, libc, file), reference::decryptConfig(file)) << round;
     }
 }
 

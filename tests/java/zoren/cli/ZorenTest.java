@@ -12,6 +12,7 @@ import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.Arrays;
 import java.util.HexFormat;
+import java.util.Random;
 import java.util.Set;
 import javax.imageio.ImageIO;
 import org.junit.jupiter.api.Test;
@@ -165,6 +166,12 @@ class ZorenTest {
             Files.write(CONFIG, Files.readAllBytes(folder.resolve("sealed")));
             assertEquals(0, run("config"), err);
             assertEquals(text + "\n", out);
+        }
+        for (int seed = 0; seed < 200; ++seed) { // no configuration, or a text that is no UTF-8
+            final byte[] bytes = new byte[64];
+            new Random(seed).nextBytes(bytes);
+            Files.write(CONFIG, bytes);
+            assertTrue(run("config") <= 1, err);
         }
         Files.write(CONFIG, new byte[17]);
         assertEquals(1, run("config"));
