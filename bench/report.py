@@ -145,7 +145,7 @@ def blur_part(times, peers):
     heads = ["σ", "zoren", "taps at peak"]
     text = "## The blur\n\nMilliseconds of a call; the sign ± gives half the distance of the quartiles. "
     text += "*Taps at peak* is what two passes of three channels cost when every tap is one " \
-            "multiply-add at the peak rate below; wide kernels take fewer operations than taps.\n\n"
+            "multiply-add at the peak rate above; wide kernels take fewer operations than taps.\n\n"
     if peers:
         heads += [*GAUSSIANS, PILLOW, "best Gaussian / zoren", "3 channels / zoren",
                   "Pillow / zoren", "must", "goal", "reached"]
@@ -305,8 +305,8 @@ def main(results, out):
     results, out = pathlib.Path(results), pathlib.Path(out)
     times = Times(results / "bench.json")
     peers = any(n[1] == PILLOW for n in times.all)
-    text = "# Performance\n\nWritten by `scripts/bench`, which makes it again; nothing is entered " \
-           "by hand.\n\n" + machine_part(times) + blur_part(times, peers) + other_part(times)
+    text = f"# Performance\n\nWritten by `scripts/bench{' --peers' if peers else ''}`, which makes it " \
+           "again; nothing is entered by hand.\n\n" + machine_part(times) + blur_part(times, peers) + other_part(times)
     text += memory_part(times) + java_part(json.loads((results / "java.json").read_text()))
     model = results / "arm_model.json"
     if model.exists():
