@@ -5,7 +5,8 @@
 #include <memory>
 #include <new>
 
-#include "blur/blur_plan.h"
+#include "blur/folded_kernel.h"
+#include "blur/pass_plan.h"
 #include "blur/step_blur.h"
 #include "blur/tap_blur.h"
 #include "blur/try_gaussian_blur.h"
@@ -43,30 +44,30 @@ void blurLine(uint32_t* line, size_t step, size_t count, const FoldedKernel& ker
     }
 }
 
-bool blurTapByTap(BitmapStruct* bitmap, const int32_t* kernel, int32_t size, int32_t norm) {
+bool blurAnyKernel(BitmapStruct* bitmap, const int32_t* kernel, int32_t size, int32_t norm) {
     const size_t width = static_cast<size_t>(bitmap->width);
     const size_t height = static_cast<size_t>(bitmap->height);
-    FoldedKernel rows, columns;
-    if (!foldKernel(kernel, size, bitmap->width, &rows) ||
-        !foldKernel(kernel, size, bitmap->height, &columns)) {
+    FoldedKernel rowKernel, columnKernel;
+    if (!foldKernel(kernel, size, bitmap->width, &rowKernel) ||
+        !foldKernel(kernel, size, bitmap->height, &columnKernel)) {
         return false;
     }
-    const size_t words = std::max(width + 2 * static_cast<size_t>(rows.reach),
-                                  height + 2 * static_cast<size_t>(columns.reach));
+    const size_t words = std::max(width + 2 * static_cast<size_t>(rowKernel.reach),
+                                  height + 2 * static_cast<size_t>(columnKernel.reach));
     const std::unique_ptr<uint32_t[]> bordered(new (std::nothrow) uint32_t[words]);
     if (!bordered) return false;
 
     for (size_t y = 0; y < height; ++y) {
-        blurLine(bitmap->pixels + y * width, 1, width, rows, norm, bordered.get());
+        blurLine(bitmap->pixels + y * width, 1, width, rowKernel, norm, bordered.get());
     }
     for (size_t x = 0; x < width; ++x) {
-        blurLine(bitmap->pixels + x, width, height, columns, norm, bordered.get());
+        blurLine(bitmap->pixels + x, width, height, columnKernel, norm, bordered.get());
     }
     return true;
 }
 
 size_t scratchWords(const PassPlan& plan, size_t length, size_t lines) {
-    return plan.steps.terms ? stepScratchWords(plan, length) : tapScratchWords(plan, length, lines);
+    return plan.bySteps() ? stepScratchWords(plan, length) : tapScratchWords(plan, length, lines);
 }
 
 }  // namespace
@@ -79,23 +80,25 @@ bool tryGaussianBlur(BitmapStruct* bitmap, const int32_t* kernel, int32_t size, 
                     0xFF000000);
         return true;
     }
-    if (!isPlainKernel(kernel, size, norm)) return blurTapByTap(bitmap, kernel, size, norm);
+    if (!isPlainKernel(kernel, size, norm)) return blurAnyKernel(bitmap, kernel, size, norm);
 
     const size_t cost = tapPairCost();
-    PassPlan rows, columns;
-    if (!makePassPlan(kernel, size, norm, bitmap->width, cost, &rows) ||
-        !makePassPlan(kernel, size, norm, bitmap->height, cost, &columns)) {
+    PassPlan rowPlan, columnPlan;
+    if (!makePassPlan(kernel, size, norm, bitmap->width, cost, &rowPlan) ||
+        !makePassPlan(kernel, size, norm, bitmap->height, cost, &columnPlan)) {
         return false;
     }
     const size_t width = static_cast<size_t>(bitmap->width);
     const size_t height = static_cast<size_t>(bitmap->height);
     const size_t words =
-        std::max(scratchWords(rows, width, height), scratchWords(columns, height, width));
+        std::max(scratchWords(rowPlan, width, height), scratchWords(columnPlan, height, width));
     const std::unique_ptr<uint32_t[]> scratch(new (std::nothrow) uint32_t[words]);
     if (!scratch) return false;
 
-    (rows.steps.terms ? blurRowsBySteps : blurRowsByTaps)(*bitmap, rows, scratch.get());
-    (columns.steps.terms ? blurColumnsBySteps : blurColumnsByTaps)(*bitmap, columns, scratch.get());
+    const auto blurRows = rowPlan.bySteps() ? blurRowsBySteps : blurRowsByTaps;
+    const auto blurColumns = columnPlan.bySteps() ? blurColumnsBySteps : blurColumnsByTaps;
+    blurRows(*bitmap, rowPlan, scratch.get());
+    blurColumns(*bitmap, columnPlan, scratch.get());
     return true;
 }
 

@@ -12,7 +12,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "blur/blur_plan.h"
+#include "blur/pass_plan.h"
 #include "hwy/highway.h"
 
 #if HWY_TARGET == HWY_AVX3_DL
@@ -125,8 +125,8 @@ HWY_INLINE V divideByReciprocal(V sum, const Divisor& divisor) {
     return hn::BitCast(d, hn::Or(low, high));
 }
 
-// The quotient of each lane in its bits 16 to 23, with anything below. Sums already hold the gap
-// when it is a near one.
+// The quotient of each lane in its bits 16 to 23, with anything below. Sums already hold the
+// complement when it is a near one.
 template <bool kNear, class V>
 HWY_INLINE V divide(V sum, const Divisor& divisor) {
     using Pixels = hn::DFromV<V>;
@@ -137,16 +137,16 @@ HWY_INLINE V divide(V sum, const Divisor& divisor) {
     } else if constexpr (HWY_ARCH_ARM || kTwin) {
         const hn::Repartition<uint16_t, Pixels> d16;
         const auto high = hn::BitCast(d16, hn::ShiftRight<16>(sum));
-        const auto gap = hn::BitCast(d16, hn::Set(d, divisor.gap));
-        return hn::Add(sum, hn::BitCast(d, hn::Mul(high, gap)));
+        const auto complement = hn::BitCast(d16, hn::Set(d, divisor.complement));
+        return hn::Add(sum, hn::BitCast(d, hn::Mul(high, complement)));
     } else {
-        // The upper half of the sum times the gap, in one multiply-add.
+        // The upper half of the sum times the complement, in one multiply-add.
         const hn::RebindToSigned<Pixels> sums;
         const hn::Repartition<int16_t, Pixels> d16;
-        const auto gap = hn::BitCast(d16, hn::Set(d, divisor.gap << 16));
+        const auto complement = hn::BitCast(d16, hn::Set(d, divisor.complement << 16));
         auto second = hn::Zero(sums);
-        const auto first =
-            hn::ReorderWidenMulAccumulate(sums, hn::BitCast(d16, sum), gap, hn::Zero(sums), second);
+        const auto first = hn::ReorderWidenMulAccumulate(sums, hn::BitCast(d16, sum), complement,
+                                                         hn::Zero(sums), second);
         return hn::Add(sum, hn::BitCast(d, hn::RearrangeToOddPlusEven(first, second)));
     }
 }

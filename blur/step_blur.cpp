@@ -9,17 +9,19 @@
 //
 #include "blur/lanes-inl.h"
 
-// A pass takes as many lines as a vector has 16-bit lanes, and one channel of them at a time. It
-// lays out the channel's bytes along the lines, with the first and the last one repeated in front
-// and behind, and their prefix sums. The first output is the weighted sum itself; each further one
-// adds the plan's terms to the one before:
+// Carries out a step plan (blur/step_plan.h, which begins with an example). A pass takes as many
+// lines as a vector has 16-bit lanes, and one channel of them at a time. It lays out the tables:
+// the channel's bytes along the lines, with the first and the last one repeated in front and
+// behind, their prefix sums, and the sums of two. The first output is the weighted sum itself; each
+// further one adds the plan's terms to the one before:
 //
-//     sum(y) = sum(y - 1) + pieces of { term.weight * row[y + term.row] }
+//     sum(y) = sum(y - 1) + pieces of { term.weight * tables[y + term.row] }
 //
-// Four outputs that follow each other share the fetching of a term.
+// kStepOutputs outputs that follow each other share the fetching of a term.
 
 HWY_BEFORE_NAMESPACE();
 namespace android::HWY_NAMESPACE {
+namespace {
 
 // A vector holds one pixel of each of its lanes' lines. Vectors twice as wide would be a
 // sixth faster, but take tables twice as large: more memory than a blur may hold.
@@ -30,7 +32,7 @@ constexpr size_t kTileLines = hn::MaxLanes(Pixels());
 using Lanes = hn::Repartition<uint16_t, Pixels>;  // twice the lines of a tile
 using LaneVector = hn::Vec<Lanes>;
 constexpr size_t kLines = hn::MaxLanes(Lanes());
-constexpr size_t kOutputs = 4;
+constexpr size_t kOutputs = kStepOutputs;
 
 // The lanes of two tiles' vectors, in two vectors or in one: sums of 32 bits and values of 16.
 struct WideVector {
@@ -83,43 +85,44 @@ HWY_INLINE bool hasWindow(const StepPlan& plan) { return plan.pieceCount == 1; }
 // Lays out the bytes of one channel with their borders, then their prefix sums.
 template <int kChannel>
 HWY_INLINE void layOut(const uint32_t* lines, size_t step, size_t length, const StepPlan& plan,
-                       uint16_t* rows) {
+                       uint16_t* tables) {
     const Lanes d16;
-    const size_t border = static_cast<size_t>(plan.border), count = static_cast<size_t>(plan.rows);
+    const size_t border = static_cast<size_t>(plan.border);
+    const size_t tableRows = static_cast<size_t>(plan.tableRows);
     for (size_t i = 0; i < length; ++i) {
-        hn::Store(channelOf<kChannel>(lines + i * step), d16, rows + (border + i) * kLines);
+        hn::Store(channelOf<kChannel>(lines + i * step), d16, tables + (border + i) * kLines);
     }
-    const auto first = hn::Load(d16, rows + border * kLines);
-    const auto last = hn::Load(d16, rows + (border + length - 1) * kLines);
+    const auto first = hn::Load(d16, tables + border * kLines);
+    const auto last = hn::Load(d16, tables + (border + length - 1) * kLines);
     // Where only pixels are taken, a window leaves out what lies farther away than an output's
     // neighbours.
-    const bool far = plan.prefixSums || plan.gapCount > 0 || !hasWindow(plan);
+    const bool far = plan.prefixSums || plan.distanceCount > 0 || !hasWindow(plan);
     const size_t before = far ? border : std::min(border, kOutputs);
-    const size_t behind = far ? count : std::min(count, border + length + kOutputs);
-    for (size_t i = border - before; i < border; ++i) hn::Store(first, d16, rows + i * kLines);
-    for (size_t i = border + length; i < behind; ++i) hn::Store(last, d16, rows + i * kLines);
+    const size_t behind = far ? tableRows : border + length + kOutputs;
+    for (size_t i = border - before; i < border; ++i) hn::Store(first, d16, tables + i * kLines);
+    for (size_t i = border + length; i < behind; ++i) hn::Store(last, d16, tables + i * kLines);
     auto sum = hn::Zero(d16);
-    for (size_t i = 0; plan.prefixSums && i < count; ++i) {
-        sum = hn::Add(sum, hn::Load(d16, rows + i * kLines));
-        hn::Store(sum, d16, rows + (count + i) * kLines);
+    for (size_t i = 0; plan.prefixSums && i < tableRows; ++i) {
+        sum = hn::Add(sum, hn::Load(d16, tables + i * kLines));
+        hn::Store(sum, d16, tables + (tableRows + i) * kLines);
     }
-    for (size_t t = 0; t < plan.gapCount; ++t) {
-        const size_t gap = static_cast<size_t>(plan.gaps[t]);
-        uint16_t* table = rows + (2 + t) * count * kLines;
-        for (size_t i = 0; i + gap < count; ++i) {
-            const auto early = hn::Load(d16, rows + i * kLines);
-            const auto late = hn::Load(d16, rows + (i + gap) * kLines);
+    for (size_t t = 0; t < plan.distanceCount; ++t) {
+        const size_t distance = static_cast<size_t>(plan.distances[t]);
+        uint16_t* table = tables + (2 + t) * tableRows * kLines;
+        for (size_t i = 0; i + distance < tableRows; ++i) {
+            const auto early = hn::Load(d16, tables + i * kLines);
+            const auto late = hn::Load(d16, tables + (i + distance) * kLines);
             hn::Store(hn::Add(early, late), d16, table + i * kLines);
         }
     }
 }
 
-HWY_INLINE WideVector firstSum(const StepPlan& plan, const uint16_t* rows) {
+HWY_INLINE WideVector firstSum(const StepPlan& plan, const uint16_t* tables) {
     const Pixels d;
     WideVector sum = {hn::Zero(d), hn::Zero(d)};
     for (size_t i = 0; i <= static_cast<size_t>(plan.reach); ++i) {
         const size_t row = static_cast<size_t>(plan.border) + i;
-        const WideVector bytes = widen(hn::Load(Lanes(), rows + row * kLines));
+        const WideVector bytes = widen(hn::Load(Lanes(), tables + row * kLines));
         const auto weight = hn::Set(d, plan.start[i]);
         sum.lower = hn::Add(sum.lower, hn::Mul(bytes.lower, weight));
         sum.upper = hn::Add(sum.upper, hn::Mul(bytes.upper, weight));
@@ -169,96 +172,88 @@ HWY_INLINE void moveWindow(const StepPlan& plan, size_t length, size_t y, Window
     }
 }
 
-// The changes of kOutputs sums, from output `y` on.
-HWY_INLINE void changesOf(const StepPlan& plan, const uint16_t* rows, size_t length, size_t y,
-                          Window& window, WideVector change[kOutputs]) {
-    const Pixels d;
+// What kOutputs sums of a piece grow by: parts[o] is output y + o's, from 0 to 65535 with the bias.
+HWY_INLINE void partsOf(const StepPlan& plan, const StepPiece& piece, const uint16_t* tables,
+                        size_t length, size_t y, Window& window, LaneVector parts[kOutputs]) {
     const Lanes d16;
-    for (size_t o = 0; o < kOutputs; ++o) {
-        change[o].lower = change[o].upper = hn::Set(d, 0u - plan.bias);
-    }
-    const auto row = [&](size_t term) {
-        return rows + (y + static_cast<size_t>(plan.terms[term].row)) * kLines;
-    };
-    for (size_t p = 0; p < plan.pieceCount; ++p) {
-        const StepPiece& piece = plan.pieces[p];
-        const auto bias = hn::BitCast(d16, hn::Set(d, piece.bias));
-        LaneVector part0 = bias, part1 = bias, part2 = bias, part3 = bias;
-        const auto add = [&](size_t begin, size_t end) HWY_ATTR {
-            for (size_t t = begin; t < end; ++t) {
-                const uint16_t* r = row(t);
-                part0 = hn::Add(part0, hn::Load(d16, r));
-                part1 = hn::Add(part1, hn::Load(d16, r + kLines));
-                part2 = hn::Add(part2, hn::Load(d16, r + 2 * kLines));
-                part3 = hn::Add(part3, hn::Load(d16, r + 3 * kLines));
+    const uint16_t* const first = tables + y * kLines;
+    const auto forTerms = [&](size_t begin, size_t end, auto operation) HWY_ATTR {
+        for (size_t t = begin; t < end; ++t) {
+            const StepTerm& term = plan.terms[t];
+            const uint16_t* row = first + static_cast<size_t>(term.row) * kLines;
+            for (size_t o = 0; o < kOutputs; ++o) {
+                parts[o] = operation(parts[o], hn::Load(d16, row + o * kLines), term);
             }
-        };
-        const auto subtract = [&](size_t begin, size_t end) HWY_ATTR {
-            for (size_t t = begin; t < end; ++t) {
-                const uint16_t* r = row(t);
-                part0 = hn::Sub(part0, hn::Load(d16, r));
-                part1 = hn::Sub(part1, hn::Load(d16, r + kLines));
-                part2 = hn::Sub(part2, hn::Load(d16, r + 2 * kLines));
-                part3 = hn::Sub(part3, hn::Load(d16, r + 3 * kLines));
-            }
-        };
-        const auto addWeighted = [&](size_t begin, size_t end) HWY_ATTR {
-            for (size_t t = begin; t < end; ++t) {
-                const uint16_t* r = row(t);
-                const auto weight = hn::BitCast(d16, hn::Set(d, plan.terms[t].weight));
-                part0 = hn::Add(part0, hn::Mul(weight, hn::Load(d16, r)));
-                part1 = hn::Add(part1, hn::Mul(weight, hn::Load(d16, r + kLines)));
-                part2 = hn::Add(part2, hn::Mul(weight, hn::Load(d16, r + 2 * kLines)));
-                part3 = hn::Add(part3, hn::Mul(weight, hn::Load(d16, r + 3 * kLines)));
-            }
-        };
-        if (hasWindow(plan)) {
-            moveWindow(plan, length, y, window);
-            const size_t border = static_cast<size_t>(plan.border);
-            const auto times = [&](size_t i, uint32_t weight) HWY_ATTR {
-                return hn::Mul(hn::Load(d16, rows + i * kLines),
-                               hn::Set(d16, static_cast<uint16_t>(weight)));
-            };
-            part0 = hn::Add(part0, hn::Add(times(border, window.before),
-                                           times(border + length - 1, window.behind)));
-            part1 = part2 = part3 = part0;
-            add(piece.added.begin, piece.added.pixels);
-            add(window.near[0].pixels, window.near[0].end);
-            subtract(piece.subtracted.begin, piece.subtracted.pixels);
-            subtract(window.near[1].pixels, window.near[1].end);
-            addWeighted(piece.weighted.begin, piece.weighted.pixels);
-            addWeighted(window.near[2].pixels, window.near[2].end);
-        } else {
-            add(piece.added.begin, piece.added.end);
-            subtract(piece.subtracted.begin, piece.subtracted.end);
-            addWeighted(piece.weighted.begin, piece.weighted.end);
         }
-        const LaneVector parts[kOutputs] = {part0, part1, part2, part3};
+    };
+    const auto add = [](LaneVector part, LaneVector row, const StepTerm&)
+                         HWY_ATTR { return hn::Add(part, row); };
+    const auto subtract = [](LaneVector part, LaneVector row, const StepTerm&)
+                              HWY_ATTR { return hn::Sub(part, row); };
+    const auto addWeighted = [](LaneVector part, LaneVector row, const StepTerm& term) HWY_ATTR {
+        const auto weight = hn::BitCast(Lanes(), hn::Set(Pixels(), term.weight));
+        return hn::Add(part, hn::Mul(weight, row));
+    };
+    const auto start = hn::BitCast(d16, hn::Set(Pixels(), piece.bias));
+    for (size_t o = 0; o < kOutputs; ++o) parts[o] = start;
+    if (!hasWindow(plan)) {
+        forTerms(piece.added.begin, piece.added.end, add);
+        forTerms(piece.subtracted.begin, piece.subtracted.end, subtract);
+        forTerms(piece.weighted.begin, piece.weighted.end, addWeighted);
+        return;
+    }
+    moveWindow(plan, length, y, window);
+    const size_t border = static_cast<size_t>(plan.border);
+    const auto times = [&](size_t row, uint32_t weight) HWY_ATTR {
+        return hn::Mul(hn::Load(d16, tables + row * kLines),
+                       hn::Set(d16, static_cast<uint16_t>(weight)));
+    };
+    const auto beyond =
+        hn::Add(times(border, window.before), times(border + length - 1, window.behind));
+    for (size_t o = 0; o < kOutputs; ++o) parts[o] = hn::Add(parts[o], beyond);
+    forTerms(piece.added.begin, piece.added.pixels, add);
+    forTerms(window.near[0].pixels, window.near[0].end, add);
+    forTerms(piece.subtracted.begin, piece.subtracted.pixels, subtract);
+    forTerms(window.near[1].pixels, window.near[1].end, subtract);
+    forTerms(piece.weighted.begin, piece.weighted.pixels, addWeighted);
+    forTerms(window.near[2].pixels, window.near[2].end, addWeighted);
+}
+
+// The differences of kOutputs sums to the ones before them, from output `y` on.
+HWY_INLINE void differencesOf(const StepPlan& plan, const uint16_t* tables, size_t length, size_t y,
+                              Window& window, WideVector difference[kOutputs]) {
+    const Pixels d;
+    for (size_t o = 0; o < kOutputs; ++o) {
+        difference[o].lower = difference[o].upper = hn::Set(d, 0u - plan.bias);
+    }
+    for (size_t p = 0; p < plan.pieceCount; ++p) {
+        LaneVector parts[kOutputs];
+        partsOf(plan, plan.pieces[p], tables, length, y, window, parts);
         for (size_t o = 0; o < kOutputs; ++o) {
             const WideVector wide = widen(parts[o]);
-            change[o].lower = hn::Add(change[o].lower, wide.lower);
-            change[o].upper = hn::Add(change[o].upper, wide.upper);
+            difference[o].lower = hn::Add(difference[o].lower, wide.lower);
+            difference[o].upper = hn::Add(difference[o].upper, wide.upper);
         }
     }
 }
 
 template <bool kNear, int kChannel>
 HWY_INLINE void blurChannel(uint32_t* lines, size_t step, size_t length, const PassPlan& plan,
-                            uint16_t* rows) {
-    layOut<kChannel>(lines, step, length, plan.steps, rows);
-    WideVector sum = firstSum(plan.steps, rows);
+                            uint16_t* tables) {
+    layOut<kChannel>(lines, step, length, plan.steps, tables);
+    WideVector sum = firstSum(plan.steps, tables);
     if (kNear) {
-        const auto gap = hn::Set(Pixels(), plan.divisor.gap);
-        sum = {hn::Add(sum.lower, gap), hn::Add(sum.upper, gap)};
+        const auto complement = hn::Set(Pixels(), plan.divisor.complement);
+        sum = {hn::Add(sum.lower, complement), hn::Add(sum.upper, complement)};
     }
     putChannel<kNear, kChannel>(sum, plan.divisor, lines);
     Window window = windowOf(plan.steps);
     for (size_t y = 1; y < length; y += kOutputs) {
-        WideVector change[kOutputs];
-        changesOf(plan.steps, rows, length, y, window, change);
+        WideVector difference[kOutputs];
+        differencesOf(plan.steps, tables, length, y, window, difference);
         for (size_t o = 0; o < kOutputs && y + o < length; ++o) {
-            sum.lower = hn::Add(sum.lower, change[o].lower);
-            sum.upper = hn::Add(sum.upper, change[o].upper);
+            sum.lower = hn::Add(sum.lower, difference[o].lower);
+            sum.upper = hn::Add(sum.upper, difference[o].upper);
             putChannel<kNear, kChannel>(sum, plan.divisor, lines + (y + o) * step);
         }
     }
@@ -266,25 +261,25 @@ HWY_INLINE void blurChannel(uint32_t* lines, size_t step, size_t length, const P
 
 // Blurs kLines lines, in place: pixel i of the lines is the kLines words at lines + i * step.
 HWY_NOINLINE void blurLines(uint32_t* lines, size_t step, size_t length, const PassPlan& plan,
-                            uint16_t* rows) {
+                            uint16_t* tables) {
     const auto blur = [&](auto near) HWY_ATTR {
-        blurChannel<near(), 0>(lines, step, length, plan, rows);
-        blurChannel<near(), 1>(lines, step, length, plan, rows);
-        blurChannel<near(), 2>(lines, step, length, plan, rows);
+        blurChannel<near(), 0>(lines, step, length, plan, tables);
+        blurChannel<near(), 1>(lines, step, length, plan, tables);
+        blurChannel<near(), 2>(lines, step, length, plan, tables);
     };
-    plan.divisor.gap <= kNearGap ? blur(std::true_type()) : blur(std::false_type());
+    plan.divisor.complement <= kNearComplement ? blur(std::true_type()) : blur(std::false_type());
 }
 
 void blurRowsBySteps(const BitmapStruct& bitmap, const PassPlan& plan, uint32_t* scratch) {
     const size_t width = static_cast<size_t>(bitmap.width);
     const size_t height = static_cast<size_t>(bitmap.height);
     uint32_t* tile = alignedScratch(scratch);
-    uint16_t* rows = reinterpret_cast<uint16_t*>(tile + width * kLines);
+    uint16_t* tables = reinterpret_cast<uint16_t*>(tile + width * kLines);
     for (size_t y = 0; y < height; y += kLines) {
         const size_t lines = std::min(kLines, height - y);
         uint32_t* from = bitmap.pixels + y * width;
         gatherRows(Pixels(), from, width, lines, width, tile, kLines);
-        blurLines(tile, kLines, width, plan, rows);
+        blurLines(tile, kLines, width, plan, tables);
         scatterRows(Pixels(), tile, kLines, lines, width, from, width);
     }
 }
@@ -293,20 +288,21 @@ void blurColumnsBySteps(const BitmapStruct& bitmap, const PassPlan& plan, uint32
     const size_t width = static_cast<size_t>(bitmap.width);
     const size_t height = static_cast<size_t>(bitmap.height);
     uint32_t* tile = alignedScratch(scratch);
-    uint16_t* rows = reinterpret_cast<uint16_t*>(tile + height * kLines);
+    uint16_t* tables = reinterpret_cast<uint16_t*>(tile + height * kLines);
     for (size_t x = 0; x < width; x += kLines) {
         const size_t lines = std::min(kLines, width - x);
         copyLines(bitmap.pixels + x, width, lines, height, tile, kLines);
-        blurLines(tile, kLines, height, plan, rows);
+        blurLines(tile, kLines, height, plan, tables);
         copyLines(tile, kLines, lines, height, bitmap.pixels + x, width);
     }
 }
 
 size_t stepScratchWords(const PassPlan& plan, size_t length) {
-    const size_t tables = 2 + plan.steps.gapCount;
-    return 16 + length * kLines + tables * static_cast<size_t>(plan.steps.rows) * kLines / 2;
+    const size_t rows = (2 + plan.steps.distanceCount) * static_cast<size_t>(plan.steps.tableRows);
+    return 16 + length * kLines + rows * kLines / 2;
 }
 
+}  // namespace
 }  // namespace android::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "blur/blur_plan.h"
+#include "blur/pass_plan.h"
 #include "jni/bitmap_struct.h"
 
 namespace android {

@@ -26,6 +26,7 @@
 
 HWY_BEFORE_NAMESPACE();
 namespace android::HWY_NAMESPACE {
+namespace {
 
 // A vector holds one pixel of each of its lanes' lines.
 using Pixels = hn::CappedTag<uint32_t, 16>;
@@ -59,16 +60,16 @@ HWY_INLINE void blurTwo(const uint32_t* HWY_RESTRICT pairs, const PassPlan& plan
     const Pixels d;
     const hn::RebindToSigned<Pixels> sums;
     const hn::Repartition<int16_t, Pixels> d16;
-    // The near gap goes in beforehand. Targets that add the two products of a lane at once leave
-    // the second sums alone, and the portable one splits them into whole lanes. ARM keeps the
+    // The near complement goes in beforehand. Targets that add the two products of a lane at once
+    // leave the second sums alone, and the portable one splits them into whole lanes. ARM keeps the
     // products apart, the lower half's in the first sums and the upper half's in the second, and
     // adds neighbours in the end.
 #if HWY_ARCH_ARM
     const hn::Repartition<uint64_t, Pixels> apart;
-    const auto first = hn::BitCast(sums, hn::Set(apart, kNear ? plan.divisor.gap : 0));
+    const auto first = hn::BitCast(sums, hn::Set(apart, kNear ? plan.divisor.complement : 0));
     const auto second = first;
 #else
-    const auto first = hn::BitCast(sums, hn::Set(d, kNear ? plan.divisor.gap : 0));
+    const auto first = hn::BitCast(sums, hn::Set(d, kNear ? plan.divisor.complement : 0));
     const auto second = hn::Zero(sums);
 #endif
     auto red0 = first, green0 = first, blue0 = first, red1 = first, green1 = first, blue1 = first;
@@ -213,7 +214,7 @@ template <typename Pass>
 HWY_INLINE void withPairs(const PassPlan& plan, Pass pass) {
     const std::true_type near;
     const std::integral_constant<size_t, 0> any;
-    if (plan.divisor.gap > kNearGap) return pass(std::false_type(), any);
+    if (plan.divisor.complement > kNearComplement) return pass(std::false_type(), any);
     switch (plan.taps.rounds == 1 ? plan.taps.pairs : 0) {
         case 2:
             return pass(near, std::integral_constant<size_t, 2>());
@@ -291,6 +292,7 @@ size_t tapScratchWords(const PassPlan& plan, size_t length, size_t lines) {
 // Measured with AVX2 and with AVX-512; the ratio to a step is what counts, elsewhere too.
 size_t tapPairCost() { return kTileLines == 16 ? 22 : 32; }
 
+}  // namespace
 }  // namespace android::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

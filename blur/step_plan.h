@@ -1,0 +1,92 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include "blur/folded_kernel.h"
+
+namespace android {
+
+// By steps: from one output of a line to the next, the weighted sum changes by the differences of
+// the weights times the pixels under them. Under the weights 1 2 3 2 1, with p the pixels:
+//
+//     s(y)     = p(y-2) + 2 p(y-1) + 3 p(y) + 2 p(y+1) + p(y+2)
+//     s(y-1)   =   p(y-3) + 2 p(y-2) + 3 p(y-1) + 2 p(y) + p(y+1)
+//
+//     s(y) - s(y-1) = - p(y-3) - p(y-2) - p(y-1) + p(y) + p(y+1) + p(y+2)        six terms
+//                   = S(y-4) - 2 S(y-1) + S(y+2)                                three terms
+//
+// where S(i) = ... + p(i-1) + p(i) is the sum of all pixels up to i: a run of equal differences
+// costs the two prefix sums at its ends, and where one run follows another they share one. So a
+// plan is a list of terms, each a weight and a row of a table; a kernel that is wide and therefore
+// flat has few of them, however wide it is.
+//
+// What a term takes. Each difference is split into a slope and a residual. The slopes are the runs:
+// a term of the prefix sums wherever a slope differs from the one before. The residuals are what is
+// left: a term of the pixels for each that is not 0, or, for two that are alike and lie one of a
+// few distances apart, one term of a table that holds the sums of two pixels at that distance. The
+// split with the fewest terms is a shortest path: the places from left to right, at each a choice
+// of slope, where keeping the slope is free and changing it costs a term, as does a residual that
+// is not 0. Dynamic programming finds it exactly (splitDifferences).
+//
+// Why 16 bits are enough. Table entries and terms are 16 bits wide and wrap, so that a vector holds
+// twice as many lines. Sums that wrap are right modulo 65536, whatever wrapped on the way; if the
+// true value is known to lie from 0 to 65535, the wrapped one is the true one. The differences are
+// therefore cut, from left to right, into pieces whose amounts add up to at most 257. A pixel is at
+// most 255, so with P the sum of a piece's positive differences and N that of its negative ones'
+// amounts its value lies from -255 N to 255 P. The bias 255 N is added and makes that 0 to
+// 255 (P + N) <= 255 * 257 = 65535. The pieces are widened to 32 bits, added up, and their biases
+// taken off together. A piece owns its terms: its prefix sums begin and end within it.
+//
+// The tables lie behind each other, `tableRows` rows each: the pixels with their borders, their
+// prefix sums, and for each distance d that is worth it the sums of row i and row i + d.
+//
+// Sums of pixels up to a place are what graphics calls a summed-area table (Crow, "Summed-Area
+// Tables for Texture Mapping", 1984), here along a line; taking a filter by its differences of some
+// order is Heckbert's "Filtering by Repeated Integration", 1986.
+
+constexpr size_t kMaxDistances = 4;      // that get a table
+constexpr int32_t kStepOutputs = 4;      // that follow each other share the fetching of a term
+constexpr int32_t kStepPieceSpan = 257;  // of the differences of a piece: 255 * 257 = 65535
+
+struct StepTerm {
+    int32_t row;      // added to the output's number: a row of one of the tables
+    uint32_t weight;  // twice the same 16 bits
+};
+
+// Terms of one kind, from `begin` to `end`. From `pixels` on they take pixels themselves, the ones
+// with the lowest rows first.
+struct StepTerms {
+    size_t begin, pixels, end;
+};
+
+struct StepPiece {
+    StepTerms added, subtracted, weighted;  // of weight 1, of weight -1, of any other one
+    uint32_t bias;                          // keeps the sum from 0 to 65535; twice the same 16 bits
+};
+
+// Output y, from 1 to length - 1, is output y - 1 plus, over all pieces, the terms' weights times
+// row y + term.row of the tables. Output 0 is the weighted sum itself, from `start`. Outputs are
+// taken kStepOutputs at a time, so that as many less one may be computed behind the last one.
+struct StepPlan {
+    int32_t reach;
+    int32_t border;     // rows in front of the first pixel: pixel i of the line is row border + i
+    int32_t tableRows;  // of one table: the pixels, what repeats in front of them and behind them
+    int32_t distances[kMaxDistances];  // of the tables behind the first two
+    size_t distanceCount = 0;
+    bool prefixSums = false;            // whether a term takes one
+    std::unique_ptr<uint32_t[]> start;  // weights of the pixels 0 ... reach in output 0
+    std::unique_ptr<StepTerm[]> terms;
+    size_t termCount = 0;
+    std::unique_ptr<StepPiece[]> pieces;
+    size_t pieceCount = 0;
+    uint32_t bias = 0;  // of all pieces together
+};
+
+// Makes the plan of a kernel folded for lines of `length` pixels; false when memory cannot be had.
+// Without terms when the kernel has none that fit: a difference larger than a piece's span, or more
+// rows than 32 bits count.
+bool planSteps(const FoldedKernel& kernel, int32_t length, StepPlan* plan);
+
+}  // namespace android
