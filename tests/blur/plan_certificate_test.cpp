@@ -1,0 +1,223 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <numeric>
+#include <random>
+
+#include "blur/gaussian_kernel.h"
+#include "blur/pass_plan.h"
+
+// Certificates: a plan is expanded back into what it computes and compared with the kernel that it
+// was made of, weight by weight. A plan that passes is right for every line there can be, so that
+// no picture needs to be tried for it.
+
+namespace {
+
+using android::FoldedKernel;
+using android::StepPlan;
+using android::StepTerm;
+using Weights = std::vector<int32_t>;
+
+// What one piece, or all of them, adds from an output to the next: at[k] times row y + k.
+struct Expansion {
+    std::vector<int64_t> at;
+    int64_t beforeAll = 0;  // times every row in front of those, which prefix sums include
+};
+
+int16_t weightOf(const StepTerm& term) { return static_cast<int16_t>(term.weight); }
+
+// Adds a term to `sum`. Fails where the row that it takes for any output is not laid out.
+void expand(const StepPlan& plan, const StepTerm& term, int32_t length, Expansion& sum) {
+    const int32_t table = term.row / plan.tableRows, row = term.row % plan.tableRows;
+    const int32_t weight = weightOf(term);
+    ASSERT_EQ(term.weight, 0x10001u * static_cast<uint16_t>(weight));
+    ASSERT_LT(table, 2 + static_cast<int32_t>(plan.distanceCount));
+    const int32_t distance = table < 2 ? 0 : plan.distances[table - 2];
+    // Outputs are computed four at a time from 1 on, some of the last four in vain.
+    const int32_t lastOutput = 1 + (length - 2) / 4 * 4 + 3;
+    ASSERT_LT(lastOutput + row + distance, plan.tableRows);
+    if (table == 1) {
+        ASSERT_TRUE(plan.prefixSums);
+        for (int32_t k = 0; k <= row; ++k) sum.at[k] += weight;
+        sum.beforeAll += weight;
+    } else {
+        sum.at[row] += weight;
+        if (table > 1) sum.at[row + distance] += weight;
+    }
+}
+
+void certifySteps(const FoldedKernel& kernel, int32_t length, const StepPlan& plan) {
+    const int32_t reach = kernel.reach, border = plan.border;
+    ASSERT_EQ(plan.reach, reach);
+    ASSERT_LE((2 + plan.distanceCount) * int64_t{plan.tableRows}, INT32_MAX);
+    ASSERT_LE(border + length, plan.tableRows);
+    std::vector<int64_t> start(2 * reach + 1);
+    for (int32_t i = -reach; i <= reach; ++i) start[std::max(i, 0)] += kernel.weights[i + reach];
+    for (int32_t i = 0; i <= reach; ++i) ASSERT_EQ(plan.start[i], start[i]) << "pixel " << i;
+
+    // One over the rows that an output takes and one more; terms are checked to lie in the tables.
+    Expansion all = {std::vector<int64_t>(plan.tableRows), 0};
+    Expansion piece = all;
+    size_t next = 0;
+    int64_t bias = 0;
+    for (size_t p = 0; p < plan.pieceCount; ++p) {
+        const android::StepPiece& made = plan.pieces[p];
+        std::fill(piece.at.begin(), piece.at.end(), 0);
+        piece.beforeAll = 0;
+        for (const auto* terms : {&made.added, &made.subtracted, &made.weighted}) {
+            ASSERT_EQ(terms->begin, next);
+            for (; next < terms->end; ++next) {
+                const StepTerm& term = plan.terms[next];
+                expand(plan, term, length, piece);
+                if (testing::Test::HasFatalFailure()) return;
+                if (terms != &made.weighted) {
+                    ASSERT_EQ(weightOf(term), terms == &made.added ? 1 : -1);
+                }
+                ASSERT_EQ(next >= terms->pixels, term.row < plan.tableRows);
+                if (next > terms->pixels) {
+                    ASSERT_GE(term.row, plan.terms[next - 1].row);
+                }
+            }
+            ASSERT_LE(terms->pixels, next);
+        }
+        ASSERT_EQ(piece.beforeAll, 0) << "a prefix sum does not end";
+        const int64_t offset = made.bias & 0xFFFF;
+        int64_t least = offset, most = offset;
+        for (size_t k = 0; k < piece.at.size(); ++k) {
+            (piece.at[k] < 0 ? least : most) += 255 * piece.at[k];
+            all.at[k] += piece.at[k];
+        }
+        ASSERT_GE(least, 0) << "piece " << p;
+        ASSERT_LE(most, 65535) << "piece " << p;
+        ASSERT_EQ(made.bias, 0x10001u * static_cast<uint32_t>(offset));
+        bias += offset;
+    }
+    ASSERT_EQ(next, plan.termCount);
+    ASSERT_EQ(plan.bias, bias);
+
+    // Row border + i is pixel i, so pixel y + i is row y + border + i. Where a row is pixel 0 or
+    // the last one for every output, and so is its neighbour, the two may share their differences.
+    const auto weight = [&](int32_t i) {
+        return std::abs(i) <= reach ? kernel.weights[i + reach] : 0;
+    };
+    int64_t carried = 0;
+    for (int32_t k = 0; k < plan.tableRows; ++k) {
+        const int32_t pixel = k - border;  // from the later output; + 1 from the earlier one
+        carried += all.at[k] - (int64_t{weight(pixel)} - weight(pixel + 1));
+        const bool alikeInFront = length - 1 + pixel + 1 <= 0,
+                   alikeBehind = 1 + pixel >= length - 1;
+        if (!alikeInFront && !alikeBehind) {
+            ASSERT_EQ(carried, 0) << "row " << k;
+        }
+    }
+    ASSERT_EQ(carried, 0);
+}
+
+// Makes both plans of a kernel and certifies them. Tells whether there is one by steps.
+bool certify(const Weights& weights, int32_t length) {
+    SCOPED_TRACE(testing::Message() << weights.size() << " taps, line of " << length);
+    FoldedKernel kernel;
+    android::TapPlan taps;
+    StepPlan steps;
+    EXPECT_TRUE(foldKernel(weights.data(), static_cast<int32_t>(weights.size()), length, &kernel) &&
+                planTaps(kernel, &taps) && planSteps(kernel, length, &steps));
+    const int32_t count = 2 * kernel.reach + 1;
+    EXPECT_EQ(std::accumulate(kernel.weights.get(), kernel.weights.get() + count, int64_t{0}),
+              std::accumulate(weights.begin(), weights.end(), int64_t{0}));
+    for (int32_t tap = 0; tap < count; ++tap) {
+        int64_t even = 0, odd = 0;
+        for (size_t round = 0; round < taps.rounds; ++round) {
+            const uint32_t* const pairs = taps.weights.get() + 2 * taps.pairs * round;
+            even += static_cast<int16_t>(pairs[tap / 2 * 2] >> tap % 2 * 16);
+            odd += static_cast<int16_t>(pairs[(tap + 1) / 2 * 2 + 1] >> (tap + 1) % 2 * 16);
+        }
+        EXPECT_EQ(even, kernel.weights[tap]);
+        EXPECT_EQ(odd, kernel.weights[tap]);
+    }
+    if (steps.terms) certifySteps(kernel, length, steps);
+    return steps.terms != nullptr;
+}
+
+Weights gaussian(float radius) {
+    const int32_t size = (static_cast<int32_t>(4 * radius) - 1) | 1;
+    Weights kernel(size);
+    android::calcuGaussianTemplate(kernel.data(), size, radius);
+    return kernel;
+}
+
+// The example that blur/step_plan.h begins with: S(y-4) - 2 S(y-1) + S(y+2).
+TEST(StepPlan, TakesThreeTermsForTheExample) {
+    const Weights weights = {1, 2, 3, 2, 1};
+    FoldedKernel kernel;
+    StepPlan plan;
+    ASSERT_TRUE(foldKernel(weights.data(), 5, 100, &kernel) && planSteps(kernel, 100, &plan));
+    std::vector<std::pair<int32_t, int32_t>> terms;  // pixels from the output, weight
+    for (size_t t = 0; t < plan.termCount; ++t) {
+        terms.emplace_back(plan.terms[t].row - plan.tableRows - plan.border,
+                           weightOf(plan.terms[t]));
+    }
+    std::sort(terms.begin(), terms.end());
+    EXPECT_EQ(terms, (std::vector<std::pair<int32_t, int32_t>>{{-4, 1}, {-1, -2}, {2, 1}}));
+}
+
+// Six tables are as many rows as 31 bits count, and one more.
+TEST(StepPlan, EndsWhereRowsCannotBeCounted) {
+    const Weights weights = {1, 1, 1};
+    for (const int32_t length : {357913933, 357913934}) {
+        FoldedKernel kernel;
+        StepPlan plan;
+        ASSERT_TRUE(foldKernel(weights.data(), 3, length, &kernel) &&
+                    planSteps(kernel, length, &plan));
+        EXPECT_EQ(plan.terms != nullptr, length == 357913933);
+    }
+}
+
+TEST(PlanCertificate, HoldsForEveryRadius) {
+    std::mt19937 random(41);
+    int bySteps = 0, plans = 0;
+    // Evenly on a scale of powers, down to kernels too steep for steps, up to the widest there is.
+    for (float radius = 2; radius < 23170; radius *= 1.002f) {
+        const Weights kernel = gaussian(radius);
+        const int32_t half = static_cast<int32_t>(kernel.size()) / 2;
+        const int32_t some = 2 + static_cast<int32_t>(random() % 400);
+        for (const int32_t length : {some, half, half + 1, 2 * half}) {
+            if (length > 4000 || length < 2) continue;
+            bySteps += certify(kernel, length);
+            ++plans;
+            ASSERT_FALSE(testing::Test::HasFailure()) << "radius " << radius;
+        }
+    }
+    EXPECT_GT(bySteps, plans / 2);
+}
+
+// Where the kernel begins to be wider than the line, and every remainder of the outputs.
+TEST(PlanCertificate, HoldsAroundTheFolds) {
+    for (const float radius : {14.0f, 30.0f, 57.5f}) {
+        const Weights kernel = gaussian(radius);
+        for (int32_t length = 2; length < static_cast<int32_t>(kernel.size()) + 9; ++length) {
+            certify(kernel, length);
+            ASSERT_FALSE(testing::Test::HasFailure()) << "radius " << radius;
+        }
+    }
+}
+
+// Kernels that are no Gaussian's: any differences up to the steepest a step may take and one more,
+// so many and so large that they need many pieces.
+TEST(PlanCertificate, HoldsForHeavyKernels) {
+    std::mt19937 random(43);
+    int bySteps = 0;
+    for (int round = 0; round < 2000; ++round) {
+        const int32_t steepest = 1 << random() % 9, reach = 1 + static_cast<int32_t>(random() % 60);
+        Weights kernel(2 * reach + 1);
+        int32_t weight = 0;
+        for (int32_t& w : kernel) {
+            weight += static_cast<int32_t>(random() % (2 * steepest + 4)) - steepest - 1;
+            w = weight = std::max(weight, 0);
+        }
+        bySteps += certify(kernel, 2 + static_cast<int32_t>(random() % (3 * reach)));
+        ASSERT_FALSE(testing::Test::HasFailure()) << "round " << round;
+    }
+    EXPECT_GT(bySteps, 500);
+}
+
+}  // namespace
