@@ -5,6 +5,7 @@
 #include <hwy/highway.h>
 #include <hwy/targets.h>
 
+#include <type_traits>
 #include <vector>
 
 // The instruction sets that the library is compiled for and this processor has.
@@ -26,13 +27,36 @@ inline void useInstructionSet(int64_t target) {
 #endif
 }
 
-// Runs `check` under each of them, named in what a failure prints.
+// The instruction sets under which something ran.
+inline int64_t& triedInstructionSets() {
+    static int64_t tried = 0;
+    return tried;
+}
+
+// Runs check(target), or check(), under each of them, named in what a failure prints.
 template <typename Check>
 void onEveryTarget(Check check) {
     for (const int64_t target : instructionSets()) {
         SCOPED_TRACE(target == 0 ? "the only one" : hwy::TargetName(target));
         useInstructionSet(target);
-        check();
+        triedInstructionSets() |= target == 0 ? HWY_STATIC_TARGET : target;
+        if constexpr (std::is_invocable_v<Check, int64_t>) {
+            check(target);
+        } else {
+            check();
+        }
     }
     useInstructionSet(0);
 }
+
+// Whether this build is as fast as a release on its own machine: not emulated, no sanitizer.
+#ifndef __has_feature
+#define __has_feature(feature) 0
+#endif
+constexpr bool kFastBuild =
+#if defined(__x86_64__) && defined(NDEBUG) && !defined(__SANITIZE_ADDRESS__) && \
+    !__has_feature(address_sanitizer) && !__has_feature(thread_sanitizer)
+    true;
+#else
+    false;
+#endif
