@@ -41,7 +41,7 @@ TEST(GrayLevel, EqualsReference) {
             const Image image = Image::random(width, 3, random);
             EXPECT_EQ(RGB2Gray(&image), reference::RGB2Gray(image)) << "width " << width;
         }
-        // A last pixel that moves the mean by several levels, so that losing it shows.
+        // A last pixel that moves the mean, so that losing it shows.
         for (int32_t height = 2; height <= 40; ++height) {
             Image image(3, height, 0);
             image.storage.end()[-1] = 0xFFFFFFFF;

@@ -54,4 +54,47 @@ TEST(HsbToRgb, GivesTheseChannels) {
     }
 }
 
+// Every whole hue and percent against exact numbers: fractions of 600000, in which 60 degrees and
+// both percents are whole. Truncation hides the rounding of single precision wherever a channel is
+// no whole number. Where it is one, it may come out one less, and does so in these places:
+// p, the least channel, of three colours at every hue; q and t, which depend on the hue, in 382 and
+// 379 places, told by their digest.
+TEST(HsbToRgb, IsExactButWhereRoundingDecides) {
+    enum { kV, kP, kQ, kT };
+    constexpr int kOrder[6][3] = {{kV, kT, kP}, {kQ, kV, kP}, {kP, kV, kT},
+                                  {kP, kQ, kV}, {kT, kP, kV}, {kV, kP, kQ}};
+    int less[4] = {};
+    uint32_t digest = 2166136261u;  // FNV-1a
+    for (int h = 0; h < 360; ++h) {
+        for (int s = 0; s <= 100; ++s) {
+            for (int v = 0; v <= 100; ++v) {
+                const Channels channels =
+                    convert(static_cast<float>(h), static_cast<float>(s / 100.0),
+                            static_cast<float>(v / 100.0));
+                const int f = h % 60;
+                const int64_t exact[] = {255 * v * 6000, 255 * v * (6000 - 60 * s),
+                                         255 * v * (6000 - f * s), 255 * v * (6000 - (60 - f) * s)};
+                for (int c = 0; c < 3; ++c) {
+                    const int kind = kOrder[h / 60][c];
+                    if (channels[c] == exact[kind] / 600000) continue;
+                    ASSERT_EQ(600000 * (channels[c] + 1), exact[kind]) << h << ' ' << s << ' ' << v;
+                    ++less[kind];
+                    if (kind == kP) {
+                        EXPECT_TRUE((s == 60 && v % 50 == 0) || (s == 80 && v == 100));
+                    } else {
+                        for (const int byte : {h >> 8, h & 255, s, v}) {
+                            digest = (digest ^ static_cast<uint32_t>(byte)) * 16777619u;
+                        }
+                    }
+                }
+            }
+        }
+    }
+    EXPECT_EQ(less[kV], 0);
+    EXPECT_EQ(less[kP], 3 * 360);
+    EXPECT_EQ(less[kQ], 382);
+    EXPECT_EQ(less[kT], 379);
+    EXPECT_EQ(digest, 697178223u);
+}
+
 }  // namespace

@@ -15,7 +15,8 @@ int32_t truncated(double value) {
     return static_cast<int32_t>(value);
 }
 
-// Degrees from 0 to 359, or -1 for a pixel too dark or too pale to have a hue.
+}  // namespace
+
 int32_t hueOf(uint32_t pixel) {
     const int32_t r = pixel & 0xFF, g = pixel >> 8 & 0xFF, b = pixel >> 16 & 0xFF;
     const int32_t max = std::max({r, g, b}), delta = max - std::min({r, g, b});
@@ -24,8 +25,6 @@ int32_t hueOf(uint32_t pixel) {
     if (max == g) return 60 * (b - r) / delta + 120;
     return 60 * (r - g) / delta + 240;
 }
-
-}  // namespace
 
 int32_t RGB2Gray(const BitmapStruct& bitmap) {
     if (bitmap.width < 2 || bitmap.height < 2) return -1;

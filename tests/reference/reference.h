@@ -26,6 +26,9 @@ void fillBitmapRegionHorizontal(const BitmapStruct& source, BitmapStruct& destin
 void fillBitmapRegionVertical(const BitmapStruct& source, BitmapStruct& destination);
 
 int32_t RGB2Gray(const BitmapStruct& bitmap);
+
+// Degrees from 0 to 359, or -1 for a pixel too dark or too pale to have a hue.
+int32_t hueOf(uint32_t pixel);
 void HSBtoRGB(int32_t& red, int32_t& green, int32_t& blue, float h, float s, float v);
 int32_t BitmaptoColorCast(const BitmapStruct& bitmap, int32_t saturation, int32_t brightness);
 
