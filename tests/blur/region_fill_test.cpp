@@ -76,8 +76,11 @@ TEST(RegionFill, LeavesSharedPixelsUntouched) {
             EXPECT_EQ(image.words(), Pixels(4, static_cast<uint32_t>(from) + 1));
         }
     }
-    // One row too many for the row offsets; not one word of it is there.
-    Image source(1 << 16, 1, 5), destination(1, 1 << 15, 6);
+    // One row too many for the row offsets; not one word of it is there. Mapped first, the
+    // destination lies above the source, which its rows therefore do not reach.
+    Image destination(1, 1 << 15, 6);
+    const Image source(1 << 16, 1, 5);
+    ASSERT_LT(source.pixels, destination.pixels);
     kHeighten(&source, &destination);
     EXPECT_EQ(destination.words(), Pixels(1 << 15, 6));
 }
