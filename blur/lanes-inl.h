@@ -14,16 +14,8 @@
 
 #include "blur/pass_plan.h"
 #include "hwy/highway.h"
-
-#if HWY_TARGET == HWY_AVX3_DL
-// Highway's own features of this target lack the instruction that multiplies and adds to the sums.
-// They have its twin for narrower vectors, which not every processor of this target knows: those
-// must not meet a multiply-add and an addition of its sum.
-#undef HWY_TARGET_STR
-#define HWY_TARGET_STR  \
-    HWY_TARGET_STR_AVX3 \
-    ",vpclmulqdq,avx512vbmi,avx512vbmi2,vaes,avxvnni,avx512bitalg,avx512vpopcntdq,avx512vnni"
-#endif
+//
+#include "blur/highway_target-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace android::HWY_NAMESPACE {
