@@ -10,13 +10,16 @@
 #define HWY_TARGET_INCLUDE "bench/limits_bench.cpp"
 #include "hwy/foreach_target.h"  // compiles the rest of this file once per instruction set
 #include "hwy/highway.h"
+//
+#include "blur/highway_target-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace bench::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
-using Words = hn::CappedTag<uint32_t, 8>;
-constexpr size_t kVectors = 4;  // a step; a picture's words are a multiple of it
+// The widest vectors, which the kernels use too: no loop may have less than they.
+using Words = hn::ScalableTag<uint32_t>;
+constexpr size_t kVectors = 4;  // a step; a picture's words are a multiple of it, 64 at most
 
 void copyWords(const uint32_t* from, uint32_t* to, size_t count) {
     const Words d;
@@ -55,7 +58,7 @@ void changeWords(uint32_t* words, size_t count) {
 // Twelve independent sums of products over `count` values in the first-level cache, each loaded
 // vector used twice: enough in flight to keep every multiplier busy. Returns the multiply-adds.
 size_t multiplyAdd(const int16_t* values, size_t count, int32_t* out) {
-    const hn::CappedTag<int16_t, 16> d16;
+    const hn::ScalableTag<int16_t> d16;
     const hn::RepartitionToWide<decltype(d16)> d;
     const size_t lanes = hn::Lanes(d16);
     const auto even = hn::Load(d16, values), odd = hn::Load(d16, values + lanes);
