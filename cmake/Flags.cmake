@@ -5,12 +5,10 @@ add_compile_options(
     -ffp-contract=off
     -Wall -Wextra -Wconversion -Wshadow
 )
-option(ZOREN_WERROR "Treat warnings as errors" OFF)
 if(ZOREN_WERROR)
     add_compile_options(-Werror)
 endif()
 
-set(ZOREN_SANITIZE "" CACHE STRING "Sanitizers to build everything with, as -fsanitize takes them")
 if(ZOREN_SANITIZE)
     add_compile_options(-fsanitize=${ZOREN_SANITIZE} -fno-sanitize-recover=all
                         -fno-omit-frame-pointer)
