@@ -1,4 +1,4 @@
-package zoren.bench;
+package zoren.load;
 
 import static java.nio.charset.StandardCharsets.UTF_8;
 

@@ -56,6 +56,6 @@ extern "C" JNIEXPORT jint JNICALL JNI_OnLoad(JavaVM* vm, void*) {
     return set ? JNI_VERSION_1_6 : JNI_ERR;
 }
 
-extern "C" JNIEXPORT jlong JNICALL Java_zoren_bench_LoadRun_localReferences(JNIEnv*, jclass) {
+extern "C" JNIEXPORT jlong JNICALL Java_zoren_load_LoadRun_localReferences(JNIEnv*, jclass) {
     return net;
 }
