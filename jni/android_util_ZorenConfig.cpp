@@ -1,6 +1,9 @@
 #include <android_runtime/AndroidRuntime.h>
 
+#include <iterator>
+
 #include "config/config_reader.h"
+#include "jni/method_table.h"
 #include "jni/native_methods.h"
 
 namespace android {
@@ -18,17 +21,16 @@ jstring getConfigXML(JNIEnv* env, jobject) {
     return xml;
 }
 
-// The casts: OpenJDK's record points to plain characters where Android's points to const ones;
-// nobody writes them.
 const JNINativeMethod kMethods[] = {
-    {const_cast<char*>("nativeGetConfigXML"), const_cast<char*>("()Ljava/lang/String;"),
+    {tableText("nativeGetConfigXML"), tableText("()Ljava/lang/String;"),
      reinterpret_cast<void*>(getConfigXML)},
 };
 
 }  // namespace
 
 int register_android_util_ZorenConfig(JNIEnv* env) {
-    return AndroidRuntime::registerNativeMethods(env, "android/util/ZorenConfig", kMethods, 1);
+    return AndroidRuntime::registerNativeMethods(env, "android/util/ZorenConfig", kMethods,
+                                                 std::size(kMethods));
 }
 
 }  // namespace android

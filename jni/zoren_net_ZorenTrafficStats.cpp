@@ -1,6 +1,9 @@
 #include <android_runtime/AndroidRuntime.h>
 #include <nativehelper/JNIHelp.h>
 
+#include <iterator>
+
+#include "jni/method_table.h"
 #include "jni/native_methods.h"
 #include "net/traffic_counter.h"
 
@@ -23,17 +26,16 @@ jlong getIfaceUidStat(JNIEnv* env, jclass, jstring interface, jint uid, jint sel
     return total;
 }
 
-// The casts: OpenJDK's record points to plain characters where Android's points to const ones;
-// nobody writes them.
 const JNINativeMethod kMethods[] = {
-    {const_cast<char*>("nativeGetIfaceUidStat"), const_cast<char*>("(Ljava/lang/String;II)J"),
+    {tableText("nativeGetIfaceUidStat"), tableText("(Ljava/lang/String;II)J"),
      reinterpret_cast<void*>(getIfaceUidStat)},
 };
 
 }  // namespace
 
 int register_zoren_net_ZorenTrafficStats(JNIEnv* env) {
-    return AndroidRuntime::registerNativeMethods(env, "zoren/net/ZorenTrafficStats", kMethods, 1);
+    return AndroidRuntime::registerNativeMethods(env, "zoren/net/ZorenTrafficStats", kMethods,
+                                                 std::size(kMethods));
 }
 
 }  // namespace android
