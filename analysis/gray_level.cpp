@@ -22,6 +22,7 @@ struct ChannelSums {
 HWY_BEFORE_NAMESPACE();
 namespace android::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
+namespace {
 
 // The exact sums of `count` packed pixels. A word is two lanes of 16 bits, red under green and blue
 // under alpha; the lower and the upper bytes are added up as lanes, which takes four instructions a
@@ -29,7 +30,6 @@ namespace hn = hwy::HWY_NAMESPACE;
 ChannelSums sumChannels(const uint32_t* pixels, size_t count) {
     ChannelSums sums = {0, 0, 0};
     size_t i = 0;
-#if HWY_TARGET != HWY_SCALAR
     const hn::ScalableTag<uint32_t> d;
     const hn::Repartition<uint16_t, decltype(d)> d16;
     const auto lowerBytes = hn::Set(d16, 0xFF);
@@ -52,7 +52,6 @@ ChannelSums sumChannels(const uint32_t* pixels, size_t count) {
         sums.green += total(hn::And(hn::BitCast(d, green), lowerLanes));
         sums.blue += total(hn::ShiftRight<16>(hn::BitCast(d, redBlue)));
     }
-#endif
     for (; i < count; ++i) {  // fewer pixels than one vector holds
         sums.red += pixels[i] & 0xFF;
         sums.green += pixels[i] >> 8 & 0xFF;
@@ -61,6 +60,7 @@ ChannelSums sumChannels(const uint32_t* pixels, size_t count) {
     return sums;
 }
 
+}  // namespace
 }  // namespace android::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

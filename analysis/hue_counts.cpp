@@ -85,8 +85,7 @@ alignas(16) constexpr CodeTable kBelow = {0, 0x1F, 0, 0x1F, 0, 0, 0x1F, 0x1F};  
 HWY_BEFORE_NAMESPACE();
 namespace android::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
-
-#if HWY_TARGET != HWY_SCALAR
+namespace {
 
 using Bytes = hn::ScalableTag<uint8_t>;
 using ByteVector = hn::Vec<Bytes>;
@@ -234,25 +233,7 @@ void countHues(const uint32_t* pixels, size_t count, int32_t bins[kHueBins]) {
     std::copy_n(totals, kHueBins, bins);
 }
 
-#else  // one lane, and no tables
-
-void countHues(const uint32_t* pixels, size_t count, int32_t bins[kHueBins]) {
-    std::fill_n(bins, kHueBins, 0);
-    for (size_t i = 0; i < count; ++i) {
-        const int32_t r = static_cast<int32_t>(pixels[i] & 0xFF);
-        const int32_t g = static_cast<int32_t>(pixels[i] >> 8 & 0xFF);
-        const int32_t b = static_cast<int32_t>(pixels[i] >> 16 & 0xFF);
-        const int32_t max = std::max({r, g, b});
-        const int32_t range = max - std::min({r, g, b});
-        if (max < 54 || 100 * range < 13 * max) continue;
-        const int32_t hue = max == r   ? 60 * (g - b) / range + (g >= b ? 0 : 360)
-                            : max == g ? 60 * (b - r) / range + 120
-                                       : 60 * (r - g) / range + 240;
-        ++bins[hue % 360 / 15];
-    }
-}
-
-#endif
+}  // namespace
 }  // namespace android::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

@@ -18,6 +18,7 @@
 HWY_BEFORE_NAMESPACE();
 namespace android::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
+namespace {
 
 void blendColor(uint32_t* pixels, size_t count, uint32_t color) {
     const uint32_t alpha = color >> 24;
@@ -26,7 +27,6 @@ void blendColor(uint32_t* pixels, size_t count, uint32_t color) {
     const uint32_t green = alpha * (color >> 8 & 0xFF);
     const uint32_t blue = alpha * (color & 0xFF);
     size_t i = 0;
-#if HWY_TARGET != HWY_SCALAR
     const hn::ScalableTag<uint32_t> d;
     const hn::Repartition<uint16_t, decltype(d)> d16;
     const auto pair = [&](uint32_t upper, uint32_t lower) {
@@ -47,7 +47,6 @@ void blendColor(uint32_t* pixels, size_t count, uint32_t color) {
         for (size_t v = 0; v < 4; ++v) blend(pixels + i + v * lanes);
     }
     for (; count - i >= lanes; i += lanes) blend(pixels + i);
-#endif
     for (; i < count; ++i) {  // fewer pixels than one vector holds
         const uint32_t old = pixels[i];
         pixels[i] = (keep * (old & 0xFF) + red) >> 8 |
@@ -56,6 +55,7 @@ void blendColor(uint32_t* pixels, size_t count, uint32_t color) {
     }
 }
 
+}  // namespace
 }  // namespace android::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
