@@ -13,6 +13,9 @@ if(ZOREN_SANITIZE)
     add_compile_options(-fsanitize=${ZOREN_SANITIZE} -fno-sanitize-recover=all
                         -fno-omit-frame-pointer)
     add_link_options(-fsanitize=${ZOREN_SANITIZE})
+    if(ZOREN_SANITIZE MATCHES memory)
+        add_compile_options("SHELL:-include ${PROJECT_SOURCE_DIR}/tests/msan/intrinsics.h")
+    endif()
 endif()
 
 # Hardening: what an attacker finds writable, executable or unchecked. Sanitizers bring their own
