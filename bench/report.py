@@ -9,6 +9,7 @@ import json
 import pathlib
 import statistics
 import sys
+import textwrap
 
 import matplotlib
 
@@ -91,6 +92,13 @@ def table(heads, rows):
     return "".join("| " + " | ".join(map(str, line)) + " |\n" for line in lines) + "\n"
 
 
+def wrapped(text):
+    """Prose in lines of at most 100 columns; tables, headings and pictures as they are."""
+    return "\n".join(line if line.startswith(("|", "#", "!")) else
+                     textwrap.fill(line, 100, break_long_words=False, break_on_hyphens=False)
+                     for line in text.splitlines())
+
+
 def pixels(size):
     width, height = map(int, size.split("x"))
     return width * height
@@ -143,19 +151,20 @@ def blur_row(times, size, sigma, peers):
 
 def blur_part(times, peers):
     heads = ["σ", "zoren", "taps at peak"]
-    text = "## The blur\n\nMilliseconds of a call; the sign ± gives half the distance of the quartiles. "
+    text = "## The blur\n\nMilliseconds of a call; the sign ± gives half the distance of the " \
+           "quartiles. "
     text += "*Taps at peak* is what two passes of three channels cost when every tap is one " \
             "multiply-add at the peak rate above; wide kernels take fewer operations than taps.\n\n"
     if peers:
         heads += [*GAUSSIANS, PILLOW, "best Gaussian / zoren", "3 channels / zoren",
                   "Pillow / zoren", "must", "goal", "reached"]
         text += "The Gaussian peers have the same kernel size, replicate the border and write " \
-                "another picture. *Best Gaussian* is the best of those that take the same RGBA pixels; on 3 " \
-                "packed channels OpenCV moves a quarter less, and stands beside. Pillow " \
-                "approximates with three box blurs. A dash: a call that was " \
-                "estimated at more than 3 s was not made, or that σ was not measured beside ours. " \
-                "At 4000x3000 *must* and *goal* are three quarters of those at 1080x1920; at " \
-                "256x256 *must* is three times the best Gaussian peer from σ 5 on.\n\n"
+                "another picture. *Best Gaussian* is the best of those that take the same RGBA " \
+                "pixels; on 3 packed channels OpenCV moves a quarter less, and stands beside. " \
+                "Pillow approximates with three box blurs. A dash: a call that was " \
+                "estimated at more than 3 s was not made, or that σ was not measured beside " \
+                "ours. At 4000x3000 *must* and *goal* are three quarters of those at 1080x1920; " \
+                "at 256x256 *must* is three times the best Gaussian peer from σ 5 on.\n\n"
         text += "![Cost of the blur against σ, with the peers](images/blur-cost.png)\n\n"
     for size in (s for s in SIZES if times.sigmas(s)):
         rows = [blur_row(times, size, sigma, peers) for sigma in times.sigmas(size)]
@@ -163,8 +172,8 @@ def blur_part(times, peers):
     wide = {s: times.blur(OURS, "1080x1920", s) for s in times.sigmas("1080x1920") if s >= 25}
     if 100 in wide:
         slowest = max(wide, key=wide.get)
-        text += f"Over σ 25 to {max(wide):g} at 1080x1920 the slowest point, σ {slowest:g}, costs " \
-                f"{wide[slowest] / wide[100]:.2f} times σ 100; σ 1000 costs " \
+        text += f"Over σ 25 to {max(wide):g} at 1080x1920 the slowest point, σ {slowest:g}, " \
+                f"costs {wide[slowest] / wide[100]:.2f} times σ 100; σ 1000 costs " \
                 f"{wide[1000] / wide[25]:.2f} times σ 25.\n\n"
     return text
 
@@ -189,8 +198,8 @@ def other_part(times):
                          ("yes" if met(share, peer and peer / ours) else "no") if known else ""])
     text = "## Other image routines\n\nMicroseconds of a call. A limit is a loop that moves the " \
            "same bytes and does nothing else, in the same run.\n\n"
-    text += table(["routine", "size", "zoren", "peer", "peer / zoren", "limit", "share of the limit",
-                   "goal", "reached"], rows)
+    text += table(["routine", "size", "zoren", "peer", "peer / zoren", "limit",
+                   "share of the limit", "goal", "reached"], rows)
     text += "![Share of the limit, by routine](images/limit-share.png)\n\n"
     ours = times.median("statistics", OURS, "10000x1")
     if ours:
@@ -221,27 +230,27 @@ def memory_part(times):
         held = [times.memory.get((name, size, sigma)) for name in whose]
         rows.append([f"{sigma:g}", *("-" if h is None else f"{h / 2**20:.2f}" for h in held),
                      f"{most / 2**20:.2f}", "yes" if held[0] <= most else "no"])
-    return f"## Memory\n\nThe most that a blur at {size} holds at a time beyond the picture, in MiB, " \
-           "counted at every allocation. Ours with the kernel and all; the peers' with the picture " \
-           "they write. A dash: not measured.\n\n" + \
+    return f"## Memory\n\nThe most that a blur at {size} holds at a time beyond the picture, in " \
+           "MiB, counted at every allocation. Ours with the kernel and all; the peers' with the " \
+           "picture they write. A dash: not measured.\n\n" + \
            table(["σ", *whose, "goal", "reached"], rows)
 
 
 def java_part(rows):
-    return "## From Java\n\nNanoseconds of a call on a bitmap of 2 x 2 pixels, median and quartiles " \
-           "over rounds.\n\n" + table(["call", "median", "quartiles"], [
+    return "## From Java\n\nNanoseconds of a call on a bitmap of 2 x 2 pixels, median and " \
+           "quartiles over rounds.\n\n" + table(["call", "median", "quartiles"], [
                [r["name"], f"{r['median']:.0f}", f"{r['lower']:.0f} to {r['upper']:.0f}"]
                for r in rows])
 
 
 def arm_part(rows):
-    return "## 64-bit ARM: a model, not a measurement\n\nllvm-mca 19 with its model of a Neoverse N1 " \
-           "runs the innermost loops of the arm64 build, every load a hit. The peak is the model's " \
-           "for independent multiply-adds of the loop's kind. Not known from this: misses, and what " \
-           "lies between the loops.\n\n" + table(
+    return "## 64-bit ARM: a model, not a measurement\n\nllvm-mca 19 with its model of a " \
+           "Neoverse N1 runs the innermost loops of the arm64 build, every load a hit. The peak " \
+           "is the model's for independent multiply-adds of the loop's kind. Not known from " \
+           "this: misses, and what lies between the loops.\n\n" + table(
                ["function", "instructions", "multiply-adds", "a cycle", "peak", "share"],
                [[f"`{r['function']}`", r["instructions"], r["multiply_adds"],
-                 f"{r['per_cycle']:.2f}", f"{r['peak']:.2f}", f"{percent(r['per_cycle'] / r['peak'])}"]
+                 f"{r['per_cycle']:.2f}", f"{r['peak']:.2f}", percent(r["per_cycle"] / r["peak"])]
                 for r in rows])
 
 
@@ -251,15 +260,16 @@ def machine_part(times):
                        if k["type"] != "Instruction")
     rate = {limit: {s: times.rate("limit", limit, s) / 1e9 for s in SIZES
                     if ("limit", limit, s) in times.all} for limit in ("read", "copy", "change")}
-    text = f"Processor: {c['processor']}, {c['num_cpus']} at {c['mhz_per_cpu']} MHz as the system " \
-           f"tells it; caches {caches}. Compiler: {c['compiler']}. One thread, times are the " \
-           f"processor's; medians of {c['repetitions']} repetitions, all benchmarks of the run " \
-           f"shuffled. Load of the machine at the start: {c['load_avg'][0]:.1f}.\n\n"
+    text = f"Processor: {c['processor']}, {c['num_cpus']} at {c['mhz_per_cpu']} MHz as the " \
+           f"system tells it; caches {caches}. Compiler: {c['compiler']}. One thread, times " \
+           f"are the processor's; medians of {c['repetitions']} repetitions, all benchmarks of " \
+           f"the run shuffled. Load of the machine at the start: {c['load_avg'][0]:.1f}.\n\n"
     peak = times.rate("limit", "multiply-add", "12288x64") / 1e9
     text += f"Measured limits: {peak:.1f} G 16-bit multiply-adds a second, and bytes moved, GB a " \
             "second (what is written counts again):\n\n"
     sizes = list(rate["read"])
-    return text + table(["", *sizes], [[k, *(f"{v[s]:.1f}" for s in sizes)] for k, v in rate.items()])
+    return text + table(["", *sizes],
+                        [[k, *(f"{v[s]:.1f}" for s in sizes)] for k, v in rate.items()])
 
 
 def plot_blur(times, path):
@@ -305,8 +315,9 @@ def main(results, out):
     results, out = pathlib.Path(results), pathlib.Path(out)
     times = Times(results / "bench.json")
     peers = any(n[1] == PILLOW for n in times.all)
-    text = f"# Performance\n\nWritten by `scripts/bench{' --peers' if peers else ''}`, which makes it " \
-           "again; nothing is entered by hand.\n\n" + machine_part(times) + blur_part(times, peers) + other_part(times)
+    text = f"# Performance\n\nWritten by `scripts/bench{' --peers' if peers else ''}`, which " \
+           "makes it again; nothing is entered by hand.\n\n"
+    text += machine_part(times) + blur_part(times, peers) + other_part(times)
     text += memory_part(times) + java_part(json.loads((results / "java.json").read_text()))
     model = results / "arm_model.json"
     if model.exists():
@@ -315,7 +326,7 @@ def main(results, out):
     if peers:
         plot_blur(times, out.parent / "images/blur-cost.png")
     plot_limits(times, out.parent / "images/limit-share.png")
-    out.write_text(text.rstrip() + "\n", encoding="utf-8")
+    out.write_text(wrapped(text.rstrip()) + "\n", encoding="utf-8")
 
 
 main(*sys.argv[1:])
