@@ -67,7 +67,9 @@ FILE* fopen64(const char* path, const char* mode) { return openMapped("fopen64",
 int access(const char* path, int type) noexcept {
     char mapped[PATH_MAX];
     const char* target = nullptr;
-    if (!mapPath(path, mapped, &target)) return -1;
+    // The C library declares that the path is never null, and compilers drop the test for it.
+    const char* const volatile given = path;
+    if (!mapPath(given, mapped, &target)) return -1;
     const auto next = nextFunction<int (*)(const char*, int)>("access");
     return next != nullptr ? next(target, type) : -1;
 }
