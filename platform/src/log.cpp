@@ -81,7 +81,7 @@ int __android_log_print(int prio, const char* tag, const char* fmt, ...) {
     va_start(arguments, fmt);
     const int textLength = vasprintf(&text, fmt, arguments);
     va_end(arguments);
-    int result = -ENOMEM;
+    int result = -errno;  // of the formatting, when it failed
     if (textLength >= 0) {
         result = writeEntry(prio, tag != nullptr ? tag : "", text, static_cast<size_t>(textLength));
         free(text);

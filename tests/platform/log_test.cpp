@@ -97,6 +97,8 @@ TEST_F(Log, ReportsFailures) {
     setenv("ZOREN_LOG_FILE", "/dev/full", 1);
     EXPECT_EQ(print("text"), -ENOSPC);
     errno = EXDEV;
+    const wchar_t surrogate[] = {0xD800, 0};
+    EXPECT_EQ(__android_log_print(4, "tag", "%ls", surrogate), -EILSEQ);
     const char* format = nullptr;
     EXPECT_EQ(__android_log_print(4, "tag", format, 0), -EINVAL);
     EXPECT_EQ(errno, EXDEV);
