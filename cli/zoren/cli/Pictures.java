@@ -74,7 +74,8 @@ final class Pictures {
     /** Writes the bitmap as the kind of picture that the name asks for. JPEG drops alpha. */
     static void write(Bitmap bitmap, Path path) throws Failure {
         final BufferedImage image = toImage(bitmap, !isJpeg(path));
-        WholeFile.write(path, out -> encode(image, isJpeg(path) ? "jpeg" : "png", out));
+        final String format = isJpeg(path) ? "jpeg" : "png";
+        WholeFile.write(path, WholeFile.SHARED, out -> encode(image, format, out));
     }
 
     private static boolean isPng(Path path) {

@@ -23,7 +23,8 @@ import picocli.CommandLine.Parameters;
             "\"zoren config\" gives the text back unchanged. It must be UTF-8 without a zero byte,"
                     + " and the sealed file at most 16 MiB. An empty text is sealed too.",
             "",
-            "Folders on the way to OUTPUT are made when missing.",
+            "Folders on the way to OUTPUT are made when missing. A new OUTPUT is for its owner's"
+                    + " eyes only; one that is replaced keeps its permissions.",
             ""
         },
         footer = {
@@ -59,7 +60,7 @@ final class SealCommand implements Callable<Integer> {
         if (output.getParent() != null) {
             WholeFile.makeFolder(output.getParent());
         }
-        WholeFile.write(output, out -> out.write(sealed));
+        WholeFile.write(output, WholeFile.OWNER_ONLY, out -> out.write(sealed));
         return 0;
     }
 

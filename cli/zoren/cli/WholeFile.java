@@ -3,11 +3,18 @@ package zoren.cli;
 import java.io.BufferedOutputStream;
 import java.io.IOException;
 import java.io.OutputStream;
+import java.nio.channels.Channels;
 import java.nio.file.FileAlreadyExistsException;
 import java.nio.file.Files;
+import java.nio.file.LinkOption;
 import java.nio.file.Path;
 import java.nio.file.StandardCopyOption;
 import java.nio.file.StandardOpenOption;
+import java.nio.file.attribute.PosixFileAttributeView;
+import java.nio.file.attribute.PosixFilePermission;
+import java.nio.file.attribute.PosixFilePermissions;
+import java.security.SecureRandom;
+import java.util.Set;
 
 /** Writes files so that they appear whole or not at all. */
 final class WholeFile {
@@ -15,6 +22,13 @@ final class WholeFile {
     interface Writer {
         void writeTo(OutputStream out) throws IOException;
     }
+
+    /** What anybody may do with a new file, as far as the process's mask lets it. */
+    static final Set<PosixFilePermission> SHARED = PosixFilePermissions.fromString("rw-rw-rw-");
+
+    static final Set<PosixFilePermission> OWNER_ONLY = PosixFilePermissions.fromString("rw-------");
+
+    private static final SecureRandom RANDOM = new SecureRandom();
 
     private WholeFile() {}
 
@@ -36,9 +50,10 @@ final class WholeFile {
      * Writes {@code target}, replacing what it was, by way of a temporary file in its folder. If
      * the writer fails, {@code target} is as before and the temporary file is gone. Where {@code
      * target} is a symbolic link, the file it leads to is written; a link to nothing is refused. A
-     * file that is replaced passes its permissions on.
+     * file that is replaced passes its permissions on; a new one gets {@code permissions}.
      */
-    static void write(Path target, Writer writer) throws Failure {
+    static void write(Path target, Set<PosixFilePermission> permissions, Writer writer)
+            throws Failure {
         Path temporary = null;
         try {
             final boolean exists = Files.exists(target);
@@ -53,20 +68,16 @@ final class WholeFile {
             if (folder == null || !Files.isDirectory(folder)) {
                 throw new Failure(target, "cannot be written: there is no folder " + folder);
             }
-            // The process id makes the name free. createTempFile would let only the owner read.
-            final String suffix = "." + ProcessHandle.current().pid() + ".tmp";
-            temporary = folder.resolve("." + file.getFileName() + suffix);
+            // Short, because the target's own name may be as long as a name can be.
+            temporary = folder.resolve(String.format(".%016x.tmp", RANDOM.nextLong()));
             temporary.toFile().deleteOnExit(); // an interrupted run leaves nothing either
-            try (OutputStream out =
-                    new BufferedOutputStream(
-                            Files.newOutputStream(
+            try (OutputStream out = create(temporary, exists ? OWNER_ONLY : permissions)) {
+                if (exists) {
+                    Files.getFileAttributeView(
                                     temporary,
-                                    StandardOpenOption.CREATE,
-                                    StandardOpenOption.TRUNCATE_EXISTING,
-                                    StandardOpenOption.WRITE))) {
-                if (exists) { // before the content, which may be for few eyes
-                    Files.setPosixFilePermissions(
-                            temporary, Files.getPosixFilePermissions(file));
+                                    PosixFileAttributeView.class,
+                                    LinkOption.NOFOLLOW_LINKS)
+                            .setPermissions(Files.getPosixFilePermissions(file));
                 }
                 writer.writeTo(out);
             }
@@ -83,5 +94,22 @@ final class WholeFile {
                 temporary.toFile().delete();
             }
         }
+    }
+
+    /**
+     * Creates a file that has these permissions, less the process's mask, from its first moment.
+     * Whatever has the name, a link to anywhere too, is refused: others may write to the folder.
+     */
+    static OutputStream create(Path file, Set<PosixFilePermission> permissions)
+            throws IOException {
+        return new BufferedOutputStream(
+                Channels.newOutputStream(
+                        Files.newByteChannel(
+                                file,
+                                Set.of(
+                                        StandardOpenOption.CREATE_NEW,
+                                        StandardOpenOption.WRITE,
+                                        LinkOption.NOFOLLOW_LINKS),
+                                PosixFilePermissions.asFileAttribute(permissions))));
     }
 }

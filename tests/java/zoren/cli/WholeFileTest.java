@@ -1,0 +1,146 @@
+package zoren.cli;
+
+import static java.awt.image.BufferedImage.*;
+import static org.junit.jupiter.api.Assertions.*;
+
+import java.io.IOException;
+import java.nio.file.FileAlreadyExistsException;
+import java.nio.file.Files;
+import java.nio.file.LinkOption;
+import java.nio.file.Path;
+import java.nio.file.attribute.PosixFilePermissions;
+import java.util.HashSet;
+import java.util.Set;
+import org.junit.jupiter.api.BeforeEach;
+import org.junit.jupiter.api.Test;
+import org.junit.jupiter.params.ParameterizedTest;
+import org.junit.jupiter.params.provider.CsvSource;
+import org.junit.jupiter.params.provider.ValueSource;
+
+/** How a file is replaced: whole or not at all, and under nobody else's hands. */
+class WholeFileTest extends CliTest {
+    @BeforeEach
+    void makeOne() throws IOException {
+        Files.writeString(file("in.xml"), "<new/>");
+        Files.writeString(file("old"), "as it was");
+    }
+
+    /** Whoever may write to the folder can lay a link where the temporary file will be. */
+    @Test
+    void isNotLedAstray() throws IOException {
+        final String pid = "." + ProcessHandle.current().pid() + ".tmp";
+        Files.createSymbolicLink(file(".sealed" + pid), file("old"));
+        assertEquals(0, run("seal ./in.xml ./sealed"), err);
+        assertEquals(9, Files.size(file("old")));
+        assertTrue(Files.isRegularFile(file("sealed"), LinkOption.NOFOLLOW_LINKS));
+    }
+
+    @Test
+    void keepsASealedFileToItsOwner() throws IOException {
+        assertEquals(0, run("seal ./in.xml ./sealed"), err);
+        assertEquals("rw-------", permissions("sealed"));
+        save(filled(2, 2, TYPE_INT_RGB, 0), "in.png");
+        assertEquals(0, run("blur ./in.png ./out.png --radius 0"), err);
+        assertEquals(permissions("in.png"), permissions("out.png"), "as of any new file");
+    }
+
+    @Test
+    void takesANameOfAnyLength() {
+        assertEquals(0, run("seal ./in.xml ./" + "n".repeat(255)), err);
+    }
+
+    @ParameterizedTest
+    @ValueSource(strings = {"rw-rw-rw-", "rw-r-----", "r--r--r--", "-w-------"})
+    void passesPermissionsOn(String permissions) throws IOException {
+        Files.setPosixFilePermissions(file("old"), PosixFilePermissions.fromString(permissions));
+        assertEquals(0, run("seal ./in.xml ./old"), err);
+        assertEquals(permissions, permissions("old"));
+        assertEquals(16, Files.size(file("old")));
+    }
+
+    @ParameterizedTest
+    @CsvSource({
+        // where the target leads to, the file that is written or what is said
+        "old, old, ",
+        "./old, old, ",
+        "sub/../old, old, ",
+        "link, old, ",
+        "sub, , exists and is not a regular file",
+        "none, , is a symbolic link that leads to nothing",
+        "target, , is a symbolic link that leads to nothing",
+    })
+    void followsTheLinkThatIsTheTarget(String leadsTo, String written, String reason)
+            throws IOException {
+        Files.createDirectory(file("sub"));
+        Files.createSymbolicLink(file("link"), Path.of("sub/../old"));
+        Files.createSymbolicLink(file("target"), Path.of(leadsTo.startsWith("./") ? at(leadsTo) : leadsTo));
+        final Set<String> before = names("");
+        if (reason == null) {
+            assertEquals(0, run("seal ./in.xml ./target"), err);
+            assertEquals(16, Files.size(file(written)));
+        } else {
+            fails("seal ./in.xml ./target", reason);
+            assertEquals("as it was", Files.readString(file("old")));
+        }
+        assertTrue(Files.isSymbolicLink(file("target")) && Files.isSymbolicLink(file("link")));
+        assertEquals(before, names(""));
+        assertEquals(Set.of(), names("sub"));
+    }
+
+    /** A second name of the old file shows whether a new file took its place. */
+    @Test
+    void putsANewFileInThePlaceOfTheOld() throws IOException {
+        Files.createLink(file("second"), file("old"));
+        assertEquals(0, run("seal ./in.xml ./old"), err);
+        assertEquals("as it was", Files.readString(file("second")));
+        assertEquals(16, Files.size(file("old")));
+    }
+
+    @Test
+    void createsOnlyWhatIsNotThere() throws IOException {
+        Files.createSymbolicLink(file("link"), file("old"));
+        Files.createSymbolicLink(file("nowhere"), file("none"));
+        for (final String name : new String[] {"old", "link", "nowhere"}) {
+            assertThrows(
+                    FileAlreadyExistsException.class,
+                    () -> WholeFile.create(file(name), WholeFile.SHARED));
+        }
+        assertEquals(9, Files.size(file("old")));
+        assertFalse(Files.exists(file("none")));
+    }
+
+    /** Looked at while it is there: for whom, and where; gone and nothing changed when it fails. */
+    @Test
+    void writesByWayOfATemporaryFile() throws IOException {
+        final Set<String> before = names("");
+        final Set<String> seen = new HashSet<>();
+        for (int i = 0; i < 4; ++i) {
+            final String target = i % 2 == 0 ? "old" : "new";
+            final String expected = i % 2 == 0 ? permissions("old") : "rw-------";
+            final Failure failure =
+                    assertThrows(
+                            Failure.class,
+                            () ->
+                                    WholeFile.write(
+                                            file(target),
+                                            WholeFile.OWNER_ONLY,
+                                            out -> {
+                                                final Set<String> now = new HashSet<>(names(""));
+                                                now.removeAll(before);
+                                                final String name = now.iterator().next();
+                                                assertEquals(expected, permissions(name));
+                                                assertTrue(name.startsWith("."));
+                                                assertTrue(seen.add(name), "a name once more");
+                                                out.write(new byte[100000]);
+                                                throw new IOException("no more");
+                                            }));
+            assertEquals(at("cannot write ./" + target + ": no more"), failure.getMessage());
+            assertEquals(before, names(""));
+            assertEquals("as it was", Files.readString(file("old")));
+        }
+    }
+
+    private String permissions(String name) throws IOException {
+        return PosixFilePermissions.toString(Files.getPosixFilePermissions(file(name)));
+    }
+}
