@@ -5,6 +5,7 @@ import java.nio.file.AccessDeniedException;
 import java.nio.file.FileSystemException;
 import java.nio.file.NoSuchFileException;
 import java.nio.file.Path;
+import javax.imageio.IIOException;
 
 /** What the user can act on: the message becomes one line on standard error, the exit code 1. */
 final class Failure extends Exception {
@@ -23,6 +24,9 @@ final class Failure extends Exception {
     }
 
     private static String reason(IOException cause) {
+        if (cause instanceof IIOException && cause.getCause() instanceof IOException) {
+            return reason((IOException) cause.getCause()); // what the file system said
+        }
         if (cause instanceof NoSuchFileException) {
             return "no such file or folder";
         }

@@ -25,6 +25,7 @@ import javax.imageio.ImageWriter;
 import javax.imageio.stream.FileImageInputStream;
 import javax.imageio.stream.ImageInputStream;
 import javax.imageio.stream.ImageOutputStream;
+import javax.imageio.stream.MemoryCacheImageOutputStream;
 
 /** Moves pictures between files and bitmaps, sample by sample. */
 final class Pictures {
@@ -229,7 +230,7 @@ final class Pictures {
     private static void encode(BufferedImage image, String format, OutputStream out)
             throws IOException {
         final ImageWriter writer = ImageIO.getImageWritersByFormatName(format).next();
-        try (ImageOutputStream imageOut = ImageIO.createImageOutputStream(out)) {
+        try (ImageOutputStream imageOut = new MemoryCacheImageOutputStream(out)) {
             final ImageWriteParam param = writer.getDefaultWriteParam();
             if (format.equals("jpeg")) {
                 param.setCompressionMode(ImageWriteParam.MODE_EXPLICIT);
