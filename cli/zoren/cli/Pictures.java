@@ -1,8 +1,14 @@
 package zoren.cli;
 
 import android.graphics.Bitmap;
+import com.drew.imaging.ImageProcessingException;
 import com.drew.imaging.jpeg.JpegMetadataReader;
-import com.drew.imaging.jpeg.JpegProcessingException;
+import com.drew.imaging.png.PngChunk;
+import com.drew.imaging.png.PngChunkReader;
+import com.drew.imaging.png.PngChunkType;
+import com.drew.lang.ByteArrayReader;
+import com.drew.lang.StreamReader;
+import com.drew.metadata.Metadata;
 import com.drew.metadata.exif.ExifIFD0Directory;
 import com.drew.metadata.exif.ExifReader;
 import java.awt.color.ColorSpace;
@@ -10,13 +16,16 @@ import java.awt.image.BufferedImage;
 import java.awt.image.ColorModel;
 import java.awt.image.ComponentColorModel;
 import java.awt.image.DataBuffer;
+import java.io.BufferedInputStream;
 import java.io.IOException;
+import java.io.InputStream;
 import java.io.OutputStream;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.Iterator;
 import java.util.List;
 import java.util.Locale;
+import java.util.Set;
 import javax.imageio.IIOImage;
 import javax.imageio.ImageIO;
 import javax.imageio.ImageReader;
@@ -116,23 +125,39 @@ final class Pictures {
         if (space != ColorSpace.TYPE_RGB && space != ColorSpace.TYPE_GRAY) {
             throw new Failure(path, "is neither RGB nor gray (CMYK, perhaps); save it as RGB");
         }
-        return toBitmap(image, isFormat(reader, "jpeg") ? orientation(path) : 1);
+        return toBitmap(image, orientation(path, isFormat(reader, "png")));
     }
 
     /** Returns the EXIF orientation, 1 to 8, or 1 (upright) where the file tells none. */
-    private static int orientation(Path path) {
+    private static int orientation(Path path, boolean png) {
         try {
             final ExifIFD0Directory directory =
-                    JpegMetadataReader.readMetadata(path.toFile(), List.of(new ExifReader()))
+                    (png ? readPngExif(path) : readJpegExif(path))
                             .getFirstDirectoryOfType(ExifIFD0Directory.class);
             final Integer orientation =
                     directory == null
                             ? null
                             : directory.getInteger(ExifIFD0Directory.TAG_ORIENTATION);
             return orientation != null && orientation >= 1 && orientation <= 8 ? orientation : 1;
-        } catch (IOException | JpegProcessingException e) {
+        } catch (IOException | ImageProcessingException e) {
             return 1;
         }
+    }
+
+    private static Metadata readJpegExif(Path path) throws IOException, ImageProcessingException {
+        return JpegMetadataReader.readMetadata(path.toFile(), List.of(new ExifReader()));
+    }
+
+    /** The library reads a PNG's chunks, but does not know this one. */
+    private static Metadata readPngExif(Path path) throws IOException, ImageProcessingException {
+        final Metadata metadata = new Metadata();
+        try (InputStream in = new BufferedInputStream(Files.newInputStream(path))) {
+            final Set<PngChunkType> wanted = Set.of(new PngChunkType("eXIf"));
+            for (final PngChunk chunk : new PngChunkReader().extract(new StreamReader(in), wanted)) {
+                new ExifReader().extract(new ByteArrayReader(chunk.getBytes()), metadata);
+            }
+        }
+        return metadata;
     }
 
     /** Copies the picture row by row, each to where the EXIF orientation wants it. */
