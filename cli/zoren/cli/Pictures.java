@@ -22,6 +22,7 @@ import java.io.InputStream;
 import java.io.OutputStream;
 import java.nio.file.Files;
 import java.nio.file.Path;
+import java.util.ArrayList;
 import java.util.Iterator;
 import java.util.List;
 import java.util.Locale;
@@ -39,7 +40,18 @@ import javax.imageio.stream.MemoryCacheImageOutputStream;
 /** Moves pictures between files and bitmaps, sample by sample. */
 final class Pictures {
     private static final float JPEG_QUALITY = 0.95f;
-    private static final String PREMATURE_END = "premature end"; // the JPEG decoder's warning
+    // What the decoders warn of and decode right all the same. With any other warning samples may
+    // be lost: bytes that do not fit the code or are left over, an early end, a chunk passed over.
+    private static final List<String> HARMLESS_WARNINGS =
+            List.of(
+                    "unknown JFIF revision number",
+                    "Embedded color profile is invalid", // no profile is applied
+                    "in JFIF JPEG thumbnail",
+                    "Invalid SOS parameters for sequential JPEG", // such a scan needs none
+                    "has more entries than prior PLTE chunk",
+                    "contains too many entries for bit depth",
+                    "gray alpha image cannot have a PLTE chunk",
+                    "RGBS images may not have a tRNS chunk"); // they have alpha itself
 
     private Pictures() {}
 
@@ -113,13 +125,16 @@ final class Pictures {
             throw new Failure(
                     path, width + " x " + height + " pixels are more than a bitmap holds");
         }
-        final boolean[] cut = {false};
+        final List<String> losses = new ArrayList<>();
         reader.addIIOReadWarningListener(
-                (source, warning) ->
-                        cut[0] |= warning.toLowerCase(Locale.ROOT).contains(PREMATURE_END));
+                (source, warning) -> {
+                    if (HARMLESS_WARNINGS.stream().noneMatch(warning::contains)) {
+                        losses.add(warning);
+                    }
+                });
         final BufferedImage image = reader.read(0);
-        if (cut[0]) {
-            throw new Failure(path, "is not a whole picture: it ends too early");
+        if (!losses.isEmpty()) {
+            throw new Failure(path, "is not a whole picture: " + losses.get(0));
         }
         final int space = image.getColorModel().getColorSpace().getType();
         if (space != ColorSpace.TYPE_RGB && space != ColorSpace.TYPE_GRAY) {

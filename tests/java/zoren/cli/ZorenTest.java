@@ -5,43 +5,17 @@ import static org.junit.jupiter.api.Assertions.*;
 
 import java.awt.image.BufferedImage;
 import java.io.IOException;
-import java.io.PrintWriter;
-import java.io.StringWriter;
-import java.nio.ByteBuffer;
 import java.nio.file.Files;
-import java.nio.file.Path;
 import java.util.Arrays;
-import java.util.HexFormat;
 import java.util.Random;
 import java.util.Set;
-import javax.imageio.ImageIO;
 import org.junit.jupiter.api.Test;
-import org.junit.jupiter.api.io.TempDir;
 import org.junit.jupiter.params.ParameterizedTest;
 import org.junit.jupiter.params.provider.CsvSource;
 import zoren.net.ZorenTrafficStats;
 
-/** Runs as uid 0, with the device root mapped. */
-class ZorenTest {
-    private static final String ROOT = System.getenv("ZOREN_DEVICE_ROOT");
-    private static final Path CONFIG = Path.of(ROOT, "system/etc/jpsp");
-    private static final Path STATISTICS = Path.of(ROOT, "proc/net/xt_qtaguid/stats");
-
-    @TempDir Path folder;
-    private String out;
-    private String err;
-
-    @Test
-    void measuresPicturesOfEveryKind() throws IOException {
-        // The sRGB gray 188 is 128 in a gray picture, whose samples Java takes for linear.
-        save(filled(2, 2, TYPE_BYTE_GRAY, 0xFFBCBCBC), "gray.png");
-        save(filled(2, 2, TYPE_USHORT_GRAY, 0xFFBCBCBC), "gray16.png");
-        save(filled(2, 2, TYPE_BYTE_INDEXED, 0xFFFF0000), "palette.png");
-        save(filled(3, 2, TYPE_INT_ARGB, 0x016496C8), "alpha.png");
-        run("gray ./gray.png ./gray16.png ./palette.png ./alpha.png");
-        assertEquals("128\n128\n76\n140\n", out.replaceAll("\t.*", ""), err);
-    }
-
+/** What the commands print, and in which order they work. */
+class ZorenTest extends CliTest {
     @Test
     void printsCastsAsTextAndJson() throws IOException {
         save(filled(10, 10, TYPE_INT_RGB, 0xFF0000), "red.png");
@@ -72,26 +46,6 @@ class ZorenTest {
         save(filled(2, 3, TYPE_INT_ARGB, 0x01C80300), "faint.png");
         run("blur ./faint.png ./faint.png --radius=0.1");
         assertEquals(0x01C80300, load("faint.png")[5], "alpha stays straight without a blur");
-    }
-
-    /** Orientation o shows the stored top-left block at the place of the shown picture listed. */
-    @ParameterizedTest
-    @CsvSource({"1,0,0", "2,3,0", "3,3,1", "4,0,1", "5,0,0", "6,1,0", "7,1,3", "8,0,3"})
-    void turnsPicturesUpright(int orientation, int x, int y) throws IOException {
-        final BufferedImage image = filled(64, 32, TYPE_INT_RGB, 0);
-        image.createGraphics().fillRect(0, 0, 16, 16);
-        save(image, "turned.jpg");
-        final byte[] jpeg = Files.readAllBytes(folder.resolve("turned.jpg"));
-        final String exif = "FFE10022457869660000" + "4D4D002A00000008"; // big-endian TIFF
-        final String entry = "0001" + "0112000300000001000" + orientation + "0000" + "00000000";
-        final byte[] segment = HexFormat.of().parseHex(exif + entry);
-        final ByteBuffer file = ByteBuffer.allocate(jpeg.length + segment.length);
-        file.put(jpeg, 0, 2).put(segment).put(jpeg, 2, jpeg.length - 2);
-        Files.write(folder.resolve("turned.jpg"), file.array());
-        assertEquals(0, run("blur ./turned.jpg ./upright.png --radius=0.1"), err);
-        final int[] shown = load("upright.png");
-        final int width = orientation < 5 ? 64 : 32;
-        assertTrue((shown[(16 * y + 8) * width + 16 * x + 8] & 0xFF) > 128);
     }
 
     @Test
@@ -188,42 +142,5 @@ class ZorenTest {
         final String json = "{'interface':'lo','uid':4294967295,'rx-bytes':18446744073709551614}\n";
         assertEquals(json, out.replace('"', '\''));
         assertThrows(NullPointerException.class, () -> ZorenTrafficStats.getRxBytes(null, 1));
-    }
-
-    /** Runs a command of words parted by blanks; ./ stands for the test's folder. */
-    private int run(String line) {
-        final StringWriter outText = new StringWriter();
-        final StringWriter errText = new StringWriter();
-        final String[] words = Arrays.stream(line.split(" ")).map(this::at).toArray(String[]::new);
-        final int exitCode = Zoren.run(new PrintWriter(outText), new PrintWriter(errText), words);
-        out = outText.toString();
-        err = errText.toString();
-        return exitCode;
-    }
-
-    private String at(String text) {
-        return text.replace("./", folder + "/");
-    }
-
-    private Set<String> names(String directory) {
-        return Set.of(folder.resolve(directory).toFile().list());
-    }
-
-    private static BufferedImage filled(int width, int height, int type, int color) {
-        final BufferedImage image = new BufferedImage(width, height, type);
-        for (int i = 0; i < width * height; ++i) {
-            image.setRGB(i % width, i / width, color);
-        }
-        return image;
-    }
-
-    private void save(BufferedImage image, String name) throws IOException {
-        final String format = name.endsWith("jpg") ? "jpeg" : "png";
-        assertTrue(ImageIO.write(image, format, folder.resolve(name).toFile()));
-    }
-
-    private int[] load(String name) throws IOException {
-        final BufferedImage image = ImageIO.read(folder.resolve(name).toFile());
-        return image.getRGB(0, 0, image.getWidth(), image.getHeight(), null, 0, image.getWidth());
     }
 }

@@ -1,0 +1,205 @@
+package zoren.cli;
+
+import static java.awt.image.BufferedImage.*;
+import static org.junit.jupiter.api.Assertions.*;
+
+import android.graphics.Bitmap;
+import java.awt.Transparency;
+import java.awt.color.ColorSpace;
+import java.awt.image.BufferedImage;
+import java.awt.image.ComponentColorModel;
+import java.awt.image.DataBuffer;
+import java.awt.image.IndexColorModel;
+import java.awt.image.Raster;
+import java.awt.image.WritableRaster;
+import java.io.IOException;
+import java.nio.ByteBuffer;
+import java.nio.charset.StandardCharsets;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.Arrays;
+import java.util.HexFormat;
+import java.util.zip.CRC32;
+import javax.imageio.ImageIO;
+import org.junit.jupiter.api.Test;
+import org.junit.jupiter.params.ParameterizedTest;
+import org.junit.jupiter.params.provider.CsvSource;
+
+/** What is read of pictures of every kind, whole, turned and damaged. */
+class PicturesTest extends CliTest {
+    private static final int AFTER_HEADER = 33; // in a PNG: signature and IHDR
+    private static final byte[] SAMPLE = sample();
+
+    /** The last of 3 x 2 pixels comes with the file's samples, alpha not multiplied in. */
+    @ParameterizedTest
+    @CsvSource({
+        // bits a sample, samples of the pixel, the pixel read
+        "8, BC, FFBCBCBC",
+        "8, BC 01, 01BCBCBC",
+        "8, 01 80 FF, FF0180FF",
+        "8, 01 80 FF 00, 000180FF",
+        "16, 0080, FF000000",
+        "16, 0081, FF010101",
+        "16, 7FFF 8000, 807F7F7F",
+        "16, FF7E FF7F 0101, FFFEFF01",
+        "16, 0081 8000 FFFF 7FFF, 7F0180FF",
+    })
+    void keepsSamples(int bits, String pixel, String argb) throws IOException {
+        final int[] samples =
+                Arrays.stream(pixel.split(" ")).mapToInt(s -> Integer.parseInt(s, 16)).toArray();
+        final boolean gray = samples.length < 3;
+        final boolean alpha = samples.length % 2 == 0;
+        final int type = bits == 8 ? DataBuffer.TYPE_BYTE : DataBuffer.TYPE_USHORT;
+        final WritableRaster raster =
+                Raster.createInterleavedRaster(type, 3, 2, samples.length, null);
+        raster.setPixel(2, 1, samples);
+        final ColorSpace space =
+                ColorSpace.getInstance(gray ? ColorSpace.CS_GRAY : ColorSpace.CS_sRGB);
+        final int transparency = alpha ? Transparency.TRANSLUCENT : Transparency.OPAQUE;
+        final ComponentColorModel model =
+                new ComponentColorModel(space, alpha, false, transparency, type);
+        save(new BufferedImage(model, raster, false, null), "a.png");
+        assertEquals(argb, lastPixel("a.png"));
+    }
+
+    @Test
+    void keepsPalettesKeysAndGrayJpegs() throws IOException {
+        final int[] colors = {0xFF000000, 0x40FF8001, 0xFFAAAAAA, -1};
+        savePalette(8, true, colors, 1);
+        assertEquals("40FF8001", lastPixel("a.png"));
+        savePalette(2, false, new int[] {0, 0x555555, 0xAAAAAA, 0xFFFFFF}, 2); // as 2-bit gray
+        assertEquals("FFAAAAAA", lastPixel("a.png"));
+        for (final int key : new int[] {0x10, 0x11}) { // the colour that is transparent
+            save(filled(3, 2, TYPE_INT_RGB, 0x102030), "a.png");
+            insert("a.png", AFTER_HEADER, chunk("tRNS", new byte[] {0, (byte) key, 0, 32, 0, 48}));
+            assertEquals(key == 0x10 ? "00102030" : "FF102030", lastPixel("a.png"));
+        }
+        final BufferedImage gray = new BufferedImage(3, 2, TYPE_BYTE_GRAY);
+        Arrays.fill(((java.awt.image.DataBufferByte) gray.getRaster().getDataBuffer()).getData(),
+                (byte) 0xBC);
+        save(gray, "a.jpg");
+        assertEquals("FFBCBCBC", lastPixel("a.jpg"));
+    }
+
+    /** Orientation o shows the stored top-left block at the place of the shown picture listed. */
+    @ParameterizedTest
+    @CsvSource({
+        "0,0,0", "1,0,0", "2,3,0", "3,3,1", "4,0,1", "5,0,0", "6,1,0", "7,1,3", "8,0,3", "9,0,0"
+    })
+    void turnsPicturesUpright(int orientation, int x, int y) throws IOException {
+        final BufferedImage image = filled(64, 32, TYPE_INT_RGB, 0);
+        image.createGraphics().fillRect(0, 0, 16, 16);
+        save(image, "turned.jpg");
+        save(image, "turned.png");
+        final String entry = "0001" + "0112000300000001000" + orientation + "0000" + "00000000";
+        final String tiff = "4D4D002A00000008" + entry; // big-endian
+        insert("turned.jpg", 2, HexFormat.of().parseHex("FFE10022457869660000" + tiff));
+        final int beforeTheEnd = (int) Files.size(file("turned.png")) - 12;
+        insert("turned.png", orientation % 2 == 0 ? AFTER_HEADER : beforeTheEnd,
+                chunk("eXIf", HexFormat.of().parseHex(tiff)));
+        for (final String name : new String[] {"turned.jpg", "turned.png"}) {
+            assertEquals(0, run("blur ./" + name + " ./upright.png --radius=0.1"), err);
+            final int[] shown = load("upright.png");
+            final int width = orientation < 5 || orientation > 8 ? 64 : 32;
+            assertTrue((shown[(16 * y + 8) * width + 16 * x + 8] & 0xFF) > 128, name);
+        }
+    }
+
+    @ParameterizedTest
+    @CsvSource({
+        // the bytes changed, offset from the start or the end, what is said
+        "40, 5000, premature end of data segment",
+        "40, 15000, bad Huffman code",
+        "40, 20000, extraneous bytes before marker",
+        "2, -2, Truncated File",
+        "30, -30, Truncated File",
+    })
+    void refusesADamagedJpeg(int bytes, int offset, String reason) throws IOException {
+        final byte[] jpeg =
+                Arrays.copyOf(SAMPLE, offset < 0 ? SAMPLE.length + offset : SAMPLE.length);
+        if (offset > 0) {
+            Arrays.fill(jpeg, offset, offset + bytes, (byte) 0);
+        }
+        Files.write(file("a.jpg"), jpeg);
+        Files.writeString(file("old.png"), "as it was");
+        fails("blur ./a.jpg ./old.png --radius 3", "./a.jpg: is not a whole picture: ");
+        assertTrue(err.contains(reason), err);
+        fails("gray ./a.jpg", reason);
+        assertEquals("as it was", Files.readString(file("old.png")));
+    }
+
+    /** The picture is all there, whatever else the decoder minds. */
+    @Test
+    void acceptsAJpegWithHarmlessFaults() throws IOException {
+        final String profile = "FFE20022" + "4943435F50524F46494C4500" + "0101" + "00".repeat(18);
+        final int firstScan = 364; // its marker
+        for (int fault = 0; fault < 3; ++fault) {
+            final byte[] jpeg = SAMPLE.clone();
+            jpeg[11] = (byte) (fault == 0 ? 9 : 1); // JFIF's version
+            jpeg[firstScan + 12] = (byte) (fault == 1 ? 0 : 63); // the scan's last coefficient
+            Files.write(file("a.jpg"), jpeg);
+            if (fault == 2) {
+                insert("a.jpg", 2, HexFormat.of().parseHex(profile));
+            }
+            assertEquals(0, run("gray ./a.jpg"), "fault " + fault + ": " + err);
+        }
+    }
+
+    @Test
+    void refusesAPngThatLosesItsTransparency() throws IOException {
+        save(filled(3, 2, TYPE_INT_RGB, 0x102030), "a.png");
+        insert("a.png", AFTER_HEADER, chunk("tRNS", new byte[5]));
+        fails("gray ./a.png", "./a.png: is not a whole picture: tRNS chunk");
+    }
+
+    /** With no place for a cache on the disk. */
+    @Test
+    void worksInMemoryOnly() throws IOException {
+        save(filled(3, 2, TYPE_INT_RGB, 0x102030), "a.png");
+        Files.createDirectory(file("cache"));
+        ImageIO.setCacheDirectory(file("cache").toFile());
+        try {
+            Files.delete(file("cache"));
+            assertEquals(0, run("blur ./a.png ./b.png --radius 1"), err);
+            assertEquals(0, run("blur ./a.png ./b.jpg --radius 1"), err);
+        } finally {
+            ImageIO.setCacheDirectory(null);
+        }
+    }
+
+    private String lastPixel(String name) {
+        try {
+            final Bitmap bitmap = Pictures.read(file(name));
+            assertEquals(6, bitmap.getWidth() * bitmap.getHeight());
+            return String.format("%08X", bitmap.getPixel(2, 1));
+        } catch (Failure e) {
+            return e.getMessage();
+        }
+    }
+
+    private void savePalette(int bits, boolean alpha, int[] colors, int index) throws IOException {
+        final IndexColorModel model =
+                new IndexColorModel(
+                        bits, colors.length, colors, 0, alpha, -1, DataBuffer.TYPE_BYTE);
+        final int type = bits == 8 ? TYPE_BYTE_INDEXED : TYPE_BYTE_BINARY;
+        final BufferedImage image = new BufferedImage(3, 2, type, model);
+        image.getRaster().setPixel(2, 1, new int[] {index});
+        save(image, "a.png");
+    }
+
+    private static byte[] chunk(String type, byte[] data) {
+        final ByteBuffer chunk = ByteBuffer.allocate(12 + data.length).putInt(data.length);
+        chunk.put(type.getBytes(StandardCharsets.US_ASCII)).put(data);
+        final CRC32 crc = new CRC32();
+        crc.update(chunk.array(), 4, 4 + data.length);
+        return chunk.putInt((int) crc.getValue()).array();
+    }
+
+    private static byte[] sample() {
+        try {
+            return Files.readAllBytes(Path.of(System.getProperty("zoren.samples"), "photo.jpg"));
+        } catch (IOException e) {
+            throw new java.io.UncheckedIOException(e);
+        }
+    }
+}
