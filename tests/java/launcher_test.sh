@@ -1,18 +1,58 @@
 #!/bin/bash
-# launcher_test.sh LAUNCHER WORK_DIR
+# launcher_test.sh LAUNCHER SAMPLES WORK_DIR
 #
-# The launcher through a link, from another folder, with blanks in both names.
-set -eux
+# The launcher through a link, from another folder, with blanks in the names; its environment.
+set -eu
 
-rm -rf "$2"
-mkdir -p "$2/my phone/proc/net/xt_qtaguid"
-cd "$2"
-ln -s "$1" "a link"
-echo "2 lo 0x0 7 0 1 2 3 4" >"my phone/proc/net/xt_qtaguid/stats"
-[[ $("./a link" traffic lo 7 --device-root "my phone" --counter tx-bytes) == 3 ]]
-[[ $("./a link" traffic lo 7 --device-root="my phone" --counter rx-bytes) == 1 ]]
-[[ $("./a link" traffic lo >&2 || echo $?) == 2 ]]
-for command in blur gray cast config traffic seal generate-completion; do
-    [[ $("./a link" $command --help) == *"Usage: zoren $command"*"Exit codes:"* ]]
-done
-echo "10 checks passed, 0 failed"
+zoren=$1 samples=$2 checks=0
+rm -rf "$3"
+mkdir -p "$3/my phone/proc/net/xt_qtaguid" "$3/bin" "$3/my java"
+cd "$3"
+unset ZOREN_JAVA ZOREN_DEVICE_ROOT ZOREN_LOG_FILE
+java_home=$(readlink -f "$(command -v java)")
+ln -s "${java_home%/bin/java}/"* "my java"
+ln -s "$(command -v readlink)" bin
+ln -s "$zoren" "a link"
+printf '%s 0x0 7 0 %s\n' "2 lo" "1 2 3 4" "3 --device-root" "5 6 7 8" \
+    >"my phone/proc/net/xt_qtaguid/stats"
+for name in -p.png @p.png p; do cp "$samples/photo.jpg" ./$name; done
+
+# expect STATUS FIRST_LINE [VARIABLE=VALUE...] ARGUMENT...: of the launcher's output
+expect() {
+    local status=0 output wanted=$1 line=$2 variables=()
+    shift 2
+    while [[ ${1:-} == [A-Z]*=* ]]; do variables+=("$1") && shift; done
+    output=$(env "${variables[@]}" /bin/bash "./a link" "$@" 2>&1 </dev/null) || status=$?
+    if [[ $status != "$wanted" || ${output%%$'\n'*} != $line ]]; then
+        printf 'failed (%s): %s\n%s\n' "$status" "$*" "$output" >&2
+        exit 1
+    fi
+    checks=$((checks + 1))
+}
+
+rx=(traffic lo 7 --counter rx-bytes)
+none="is not there (install openjdk-17-jre-headless)"
+expect 0 "zoren [0-9]*.[0-9]*.[0-9]*" --version
+expect 0 "zoren [0-9]*" ZOREN_JAVA=" " JAVA_HOME= --version
+expect 0 "zoren [0-9]*" ZOREN_JAVA="env  java" JAVA_HOME=/none --version
+expect 0 "zoren [0-9]*" JAVA_HOME="my java" PATH="$PWD/bin" --version
+expect 1 "zoren: no Java: java $none" JAVA_HOME= PATH="$PWD/bin" --version
+expect 1 "zoren: no Java: /no ne/bin/java $none" JAVA_HOME="/no ne" --version
+expect 1 "zoren: no Java: none $none" ZOREN_JAVA="none x" --version
+expect 0 1 "${rx[@]}" --device-root "my phone"
+expect 0 1 ZOREN_DEVICE_ROOT="my phone" "${rx[@]}"
+expect 0 1 ZOREN_DEVICE_ROOT=elsewhere "${rx[@]}" --device-root="my phone"
+expect 0 5 traffic --counter rx-bytes --device-root="my phone" -- --device-root 7
+expect 1 "zoren: elsewhere: the device root is not a folder" "${rx[@]}" --device-root=elsewhere
+expect 2 "zoren: option '--device-root' *once" "${rx[@]}" --device-root=bin --device-root "my phone"
+expect 2 "zoren: *--counter*--device-root*" traffic lo 7 --counter --device-root "my phone"
+expect 2 "zoren: *a path cannot be empty*" ZOREN_DEVICE_ROOT=bin "${rx[@]}" --device-root=
+expect 2 "zoren: *--device-root*" "${rx[@]}" --device-root
+expect 0 $'[0-9]*\t@p.png' LC_ALL=C gray @p.png p
+expect 0 $'[0-9]*\t-p.png' gray -- -p.png
+expect 1 "zoren: é: no such file" LC_ALL=C gray é
+expect 1 "zoren: *" ZOREN_LOG_FILE=log config --device-root bin
+[[ -s log ]]
+expect 1 "[!z]*" ZOREN_LOG_FILE= config --device-root bin
+expect 1 "zoren: *" config --device-root bin
+echo "$checks checks passed, 0 failed"
