@@ -2,10 +2,7 @@ package zoren.cli;
 
 import java.nio.file.Files;
 import java.nio.file.Path;
-import picocli.CommandLine.Model.CommandSpec;
 import picocli.CommandLine.Option;
-import picocli.CommandLine.ParameterException;
-import picocli.CommandLine.Spec;
 
 /**
  * The option that keeps the phone's files in a folder. The launcher acts on it, before the virtual
@@ -22,14 +19,8 @@ final class DeviceRoot {
                             + " environment variable " + VARIABLE + " names it.")
     private Path folder;
 
-    @Spec(Spec.Target.MIXEE)
-    private CommandSpec command;
-
     /** Returns where the library looks for a file of the phone. */
     Path resolve(String devicePath) throws Failure {
-        if (folder != null && folder.toString().isEmpty()) {
-            throw new ParameterException(command.commandLine(), "--device-root must name a folder");
-        }
         final String variable = System.getenv(VARIABLE);
         final String root = variable == null ? "" : variable;
         if (folder != null && !folder.equals(Path.of(root))) {

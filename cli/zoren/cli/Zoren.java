@@ -6,12 +6,14 @@ import java.io.FileOutputStream;
 import java.io.OutputStreamWriter;
 import java.io.PrintWriter;
 import java.nio.charset.StandardCharsets;
+import java.nio.file.Path;
 import picocli.AutoComplete;
 import picocli.CommandLine;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.ParameterException;
 import picocli.CommandLine.ParseResult;
 import picocli.CommandLine.ScopeType;
+import picocli.CommandLine.TypeConversionException;
 import picocli.CommandLine.UnmatchedArgumentException;
 
 /** The command line over the framework classes: it parses, calls them and prints. */
@@ -87,6 +89,7 @@ public final class Zoren implements Runnable {
         // A negative uid is a number, not an option.
         commandLine.getSubcommands().get("traffic").setUnmatchedOptionsArePositionalParams(true);
         return commandLine
+                .registerConverter(Path.class, Zoren::toPath)
                 .setOut(out)
                 .setErr(err)
                 .setExpandAtFiles(false) // a picture's name may begin with @
@@ -95,9 +98,17 @@ public final class Zoren implements Runnable {
                 .execute(args);
     }
 
-    /** Prints a failure as one line. */
+    /** Prints a failure as one line. What a name holds cannot steer the terminal. */
     static void report(PrintWriter err, String message) {
-        err.println("zoren: " + message.replaceAll("\\R", " "));
+        err.println("zoren: " + message.replaceAll("\\R|\\p{Cc}", " "));
+    }
+
+    /** An empty word, from a script's unset variable say, is not meant for the current folder. */
+    private static Path toPath(String text) {
+        if (text.isEmpty()) {
+            throw new TypeConversionException("a path cannot be empty");
+        }
+        return Path.of(text);
     }
 
     @Override

@@ -25,7 +25,7 @@ abstract class CliTest {
 
     /** Runs a command of words parted by blanks; ./ stands for the test's folder. */
     int run(String line) {
-        return runWords(Arrays.stream(line.split(" ")).map(this::at).toArray(String[]::new));
+        return runWords(Arrays.stream(line.split(" ", -1)).map(this::at).toArray(String[]::new));
     }
 
     int runWords(String... words) {

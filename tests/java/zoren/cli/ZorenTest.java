@@ -3,12 +3,18 @@ package zoren.cli;
 import static java.awt.image.BufferedImage.*;
 import static org.junit.jupiter.api.Assertions.*;
 
+import com.fasterxml.jackson.core.JsonFactory;
+import com.fasterxml.jackson.core.JsonParser;
 import java.awt.image.BufferedImage;
 import java.io.IOException;
 import java.nio.file.Files;
+import java.util.ArrayList;
 import java.util.Arrays;
+import java.util.HexFormat;
+import java.util.List;
 import java.util.Random;
 import java.util.Set;
+import java.util.stream.IntStream;
 import org.junit.jupiter.api.Test;
 import org.junit.jupiter.params.ParameterizedTest;
 import org.junit.jupiter.params.provider.CsvSource;
@@ -49,14 +55,62 @@ class ZorenTest extends CliTest {
     }
 
     @Test
-    void blursAFolderAndReportsWhatFails() throws IOException {
-        Files.createDirectory(folder.resolve("in"));
+    void blursAFolderInOrderAndGoesOnAfterAFailure() throws IOException {
+        for (final String name : new String[] {"in", "in/d.png", "empty"}) {
+            Files.createDirectory(file(name));
+        }
         save(filled(4, 4, TYPE_INT_RGB, 0x102030), "in/b.PNG");
-        Files.writeString(folder.resolve("in/a.png"), "no picture");
+        for (final String name : new String[] {"a.png", "c.JpeG", "e.gif", "png"}) {
+            Files.writeString(file("in/" + name), "no picture");
+        }
+        final String no = ": is not a PNG or JPEG picture\n";
+        final String[] messages = {"zoren: ./in/a.png" + no, "zoren: ./in/c.JpeG" + no};
         assertEquals(1, run("blur ./in ./new/out --radius=2"));
-        assertEquals(at("zoren: ./in/a.png: is not a PNG or JPEG picture\n"), err);
+        assertEquals(at(messages[0] + messages[1]), err);
         assertEquals(Set.of("b.PNG"), names("new/out"));
         assertEquals(0xFF102030, load("new/out/b.PNG")[15]);
+        System.setProperty("zoren.terminal", "true");
+        try {
+            run("blur ./in ./in/out --radius=2");
+        } finally {
+            System.clearProperty("zoren.terminal");
+        }
+        final String clear = "\r\033[K";
+        final String[] bars = new String[4];
+        for (int i = 0; i < bars.length; ++i) {
+            bars[i] = "\r[" + "#".repeat(10 * i) + ".".repeat(30 - 10 * i) + "] " + i + "/3";
+        }
+        final String shown =
+                bars[0] + clear + messages[0] + bars[1] + bars[1] + bars[2] + bars[2]
+                        + clear + messages[1] + bars[3] + clear;
+        assertEquals(at(shown), err);
+        assertEquals(Set.of("b.PNG"), names("in/out"));
+        fails("blur ./empty ./made --radius 1", "./empty: holds no PNG or JPEG file");
+        assertFalse(Files.exists(file("made")));
+    }
+
+    /** Names that a shell, a terminal or JSON would choke on. */
+    @Test
+    void takesPicturesOfAnyName() throws IOException {
+        final String[] names = {
+            " a b ", "'q\"", "new\nline", "tab\t", "back\\slash", "-r", "@file", "*", "\u00e9",
+            "\ud83d\ude00", "esc\033[2J", "\u009b2J", "bell\007"
+        };
+        save(filled(2, 2, TYPE_INT_RGB, -1), "a.png");
+        for (final String name : names) {
+            final String path = at("./" + name);
+            assertEquals(0, runWords("blur", at("./a.png"), path + ".png", "--radius=1"), err);
+            assertEquals(0, runWords("gray", path + ".png"), err);
+            assertEquals("255\t" + path + ".png\n", out);
+            assertEquals(1, runWords("gray", "--json", path));
+            assertTrue(err.matches("[^\\p{Cc}]+: no such file\n"), err);
+            try (JsonParser json = new JsonFactory().createParser(out)) {
+                while (!"path".equals(json.getCurrentName())) {
+                    json.nextToken();
+                }
+                assertEquals(path, json.nextTextValue());
+            }
+        }
     }
 
     @Test
@@ -64,62 +118,100 @@ class ZorenTest extends CliTest {
         Files.deleteIfExists(CONFIG);
         Files.deleteIfExists(STATISTICS);
         save(filled(65536, 2, TYPE_INT_RGB, 0), "wide.png"); // too wide for JPEG
-        for (final String name : new String[] {"cut.png", "cut.jpg"}) {
-            save(filled(64, 64, TYPE_INT_RGB, 0x123456), name);
-            final byte[] whole = Files.readAllBytes(folder.resolve(name));
-            Files.write(folder.resolve(name), Arrays.copyOf(whole, whole.length - 30));
-        }
-        Files.writeString(folder.resolve("old.png"), "as it was");
-        Files.writeString(folder.resolve("zero.xml"), "a\0b");
+        save(filled(64, 64, TYPE_INT_RGB, 0x123456), "cut.png");
+        final byte[] whole = Files.readAllBytes(file("cut.png"));
+        Files.write(file("cut.png"), Arrays.copyOf(whole, whole.length - 30));
+        Files.writeString(file("old.png"), "as it was");
+        Files.writeString(file("zero.xml"), "a\0b");
+        Files.createSymbolicLink(file("link"), folder);
         final Set<String> before = names("");
         final String[] failures = {
             // what is run, part of the line that it prints
             "blur ./cut.png ./old.png --radius 3", "./cut.png: is not a whole picture",
-            "blur ./cut.jpg ./old.png --radius 3", "./cut.jpg: is not a whole picture",
             "blur ./none.png ./old.png --radius 3", "./none.png: no such file",
             "blur ./wide.png ./no/such.png --radius 0", "there is no folder ./no",
             "blur ./wide.png ./wide.jpg --radius 0", "cannot write ./wide.jpg: ",
-            "blur ./ ./ --radius 3", "is the folder that is read",
+            "blur ./ ./link --radius 3", "is the folder that is read",
+            "blur ./ ./old.png --radius 3", "./old.png: is a file, but",
+            "blur ./wide.png ./link --radius 3", "./link: is a folder, but",
+            "gray ./link", "./link: is a folder, not a picture",
             "seal ./zero.xml ./sealed", "./zero.xml: holds a zero byte",
             "seal ./cut.png ./sealed", "./cut.png: is not UTF-8",
+            "seal ./none ./old.png", "./none: no such file",
+            "seal ./old.png ./link/old.png", "./link/old.png: is the text itself",
+            "seal ./old.png ./zero.xml/a", "./zero.xml: exists and is not a folder",
             "config", CONFIG + ": there is no configuration file",
             "config --device-root elsewhere", "takes effect only through the launcher",
             "traffic lo 1", STATISTICS + ": the traffic statistics cannot be read",
         };
         for (int i = 0; i < failures.length; i += 2) {
-            assertEquals(1, run(failures[i]), failures[i]);
-            assertTrue(err.startsWith("zoren: ") && err.contains(at(failures[i + 1])), err);
-            assertEquals(1, err.lines().count(), err);
+            fails(failures[i], failures[i + 1]);
         }
         assertEquals(before, names(""), "nothing is written, nothing temporary left");
         assertEquals("as it was", Files.readString(folder.resolve("old.png")));
     }
 
+    /** Two blanks hold an empty word. */
     @ParameterizedTest
-    @CsvSource({
-        // what is run, part of the line that it prints
-        "--, a command is needed",
-        "blur a.png b.gif --radius 1, OUTPUT must end in",
-        "blur a.png b.png --radius NaN, --radius must be",
-        "blur a.png b.png --radius 23170.75, --radius must be",
-        "blur a.png b.png --radius 1 --color FF8800, AARRGGBB",
-        "cast a.png --saturation 101, --saturation must be",
-        "traffic wlan0 4294967296, is not a 32-bit number",
-    })
-    void refusesWrongUsage(String line, String named) {
-        assertEquals(2, run(line));
-        assertTrue(err.startsWith("zoren: ") && err.split("\n")[0].contains(named), err);
-        assertTrue(err.contains("Usage: zoren"), err);
+    @CsvSource(
+            delimiter = '|',
+            value = {
+                // a command, values that it takes, values that it refuses, part of what it says
+                "blur ./a.png ./b.png --radius=|0;-0;23170.748;1e-9|"
+                        + "-0.001;23170.75;1e39;NaN;Infinity;inf;;1,5|--radius",
+                "blur ./a.png ./b.png --radius=1 --color=|00000000;#ffFFffFF|"
+                        + ";FF8800;123456789;0x123456;+1234567;##1234567|AARRGGBB",
+                "blur ./a.png ./b|.jpeg --radius=1;.JPG --radius=1|.gif --radius=1;.png|"
+                        + "OUTPUT must end in;--radius",
+                "cast ./a.png --saturation=|0;100|-1;101;1.5;|--saturation",
+                "cast ./a.png --brightness=|0;100|-1;101;1.5;|--brightness",
+                "'traffic lo '|-2147483648;4294967295|-2147483649;4294967296;;1.0|32-bit number",
+                "traffic lo 1 --counter=|rx-bytes;tx-packets|RX-BYTES;rx_bytes;|is none of",
+                "'gray '|./a.png|;--no;--json|path;Unknown;INPUT",
+                "'blur '|./a.png ./c.png --radius 1|' b.png --radius 1;./a.png  --radius 1'|path",
+                "|--help;blur --help;config --help;seal -h;generate-completion --help|;--;more|"
+                        + "command;Unmatched",
+            })
+    void keepsToTheRangesOfItsOptions(String command, String taken, String refused, String named)
+            throws IOException {
+        save(filled(2, 2, TYPE_INT_RGB, 0x808080), "a.png");
+        Files.writeString(STATISTICS, "");
+        final String start = command == null ? "" : command;
+        for (final String value : taken.split(";")) {
+            assertEquals(0, run(start + value), start + value + "\n" + err);
+            assertTrue(!value.contains("help") || out.contains("Exit codes:"), out);
+        }
+        final Set<String> before = names("");
+        for (final String value : refused.split(";", -1)) {
+            assertEquals(2, run(start + value), start + value);
+            final String line = err.split("\n")[0];
+            assertTrue(line.startsWith("zoren: "), err);
+            assertTrue(Arrays.stream(named.split(";")).anyMatch(line::contains), value + err);
+            assertTrue(err.contains("Usage: zoren"), err);
+        }
+        assertEquals(before, names(""));
     }
 
     @Test
     void opensWhatItSealed() throws IOException {
-        for (final String text : new String[] {"", "<a>sixteen b</a>", "<n v='\ud83d\ude00'/>"}) {
-            Files.writeString(folder.resolve("in.xml"), text);
+        final int limit = 16 << 20;
+        final List<String> texts = new ArrayList<>(List.of("<n v='\ud83d\ude00'/>", "a\n"));
+        IntStream.rangeClosed(0, 17).forEach(length -> texts.add("x".repeat(length)));
+        texts.add("x".repeat(limit - 1));
+        for (final String text : texts) {
+            Files.writeString(file("in.xml"), text);
             assertEquals(0, run("seal ./in.xml ./sealed"), err);
-            Files.write(CONFIG, Files.readAllBytes(folder.resolve("sealed")));
+            Files.write(CONFIG, Files.readAllBytes(file("sealed")));
             assertEquals(0, run("config"), err);
-            assertEquals(text + "\n", out);
+            assertTrue(out.equals(text.endsWith("\n") ? text : text + "\n"), text.length() + " long");
+        }
+        assertEquals(limit, Files.size(CONFIG));
+        final String[] tooLong = {
+            "x".repeat(limit), "x".repeat(limit + 1), "\ud83d\ude00".repeat(limit / 6 + 1)
+        };
+        for (final String text : tooLong) {
+            Files.writeString(file("in.xml"), text);
+            fails("seal ./in.xml ./sealed", "./in.xml: is too large");
         }
         for (int seed = 0; seed < 200; ++seed) { // no configuration, or a text that is no UTF-8
             final byte[] bytes = new byte[64];
@@ -127,9 +219,12 @@ class ZorenTest extends CliTest {
             Files.write(CONFIG, bytes);
             assertTrue(run("config") <= 1, err);
         }
-        Files.write(CONFIG, new byte[17]);
-        assertEquals(1, run("config"));
-        assertTrue(err.contains("is not a configuration file"), err);
+        for (final int size : new int[] {0, 15, 17, limit + 16}) {
+            Files.write(CONFIG, new byte[size]);
+            fails("config", CONFIG + ": is not a configuration file");
+        }
+        Files.write(CONFIG, HexFormat.of().parseHex("00".repeat(16)));
+        fails("config", CONFIG + ": was sealed under another key or is damaged");
     }
 
     @Test
