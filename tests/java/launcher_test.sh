@@ -52,7 +52,7 @@ expect 0 $'[0-9]*\t@p.png' LC_ALL=C gray @p.png p
 expect 0 $'[0-9]*\t-p.png' gray -- -p.png
 expect 1 "zoren: é: no such file" LC_ALL=C gray é
 expect 1 "zoren: *" ZOREN_LOG_FILE=log config --device-root bin
-[[ -s log ]]
+[[ -s log ]] # as root or not: it is refused, and that is logged
 expect 1 "[!z]*" ZOREN_LOG_FILE= config --device-root bin
 expect 1 "zoren: *" config --device-root bin
 echo "$checks checks passed, 0 failed"

@@ -13,6 +13,7 @@ import java.util.HashSet;
 import java.util.Set;
 import org.junit.jupiter.api.BeforeEach;
 import org.junit.jupiter.api.Test;
+import org.junit.jupiter.api.function.Executable;
 import org.junit.jupiter.params.ParameterizedTest;
 import org.junit.jupiter.params.provider.CsvSource;
 import org.junit.jupiter.params.provider.ValueSource;
@@ -39,29 +40,26 @@ class WholeFileTest extends CliTest {
     void keepsASealedFileToItsOwner() throws IOException {
         assertEquals(0, run("seal ./in.xml ./sealed"), err);
         assertEquals("rw-------", permissions("sealed"));
+        assertEquals(0, run("seal ./in.xml ./" + "n".repeat(255)), err); // the longest name
         save(filled(2, 2, TYPE_INT_RGB, 0), "in.png");
         assertEquals(0, run("blur ./in.png ./out.png --radius 0"), err);
         assertEquals(permissions("in.png"), permissions("out.png"), "as of any new file");
     }
 
-    @Test
-    void takesANameOfAnyLength() {
-        assertEquals(0, run("seal ./in.xml ./" + "n".repeat(255)), err);
-    }
-
     @ParameterizedTest
-    @ValueSource(strings = {"rw-rw-rw-", "rw-r-----", "r--r--r--", "-w-------"})
-    void passesPermissionsOn(String permissions) throws IOException {
+    @ValueSource(strings = {"rw-rw-rw-", "r--r--r--", "-w-------"})
+    void replacesAFileAndKeepsItsPermissions(String permissions) throws IOException {
+        Files.createLink(file("second"), file("old")); // its second name keeps what it was
         Files.setPosixFilePermissions(file("old"), PosixFilePermissions.fromString(permissions));
         assertEquals(0, run("seal ./in.xml ./old"), err);
         assertEquals(permissions, permissions("old"));
         assertEquals(16, Files.size(file("old")));
+        assertEquals(9, Files.size(file("second")));
     }
 
     @ParameterizedTest
     @CsvSource({
         // where the target leads to, the file that is written or what is said
-        "old, old, ",
         "./old, old, ",
         "sub/../old, old, ",
         "link, old, ",
@@ -87,15 +85,6 @@ class WholeFileTest extends CliTest {
         assertEquals(Set.of(), names("sub"));
     }
 
-    /** A second name of the old file shows whether a new file took its place. */
-    @Test
-    void putsANewFileInThePlaceOfTheOld() throws IOException {
-        Files.createLink(file("second"), file("old"));
-        assertEquals(0, run("seal ./in.xml ./old"), err);
-        assertEquals("as it was", Files.readString(file("second")));
-        assertEquals(16, Files.size(file("old")));
-    }
-
     @Test
     void createsOnlyWhatIsNotThere() throws IOException {
         Files.createSymbolicLink(file("link"), file("old"));
@@ -110,34 +99,30 @@ class WholeFileTest extends CliTest {
     }
 
     /** Looked at while it is there: for whom, and where; gone and nothing changed when it fails. */
-    @Test
-    void writesByWayOfATemporaryFile() throws IOException {
+    @ParameterizedTest
+    @CsvSource({"old, rw-r-----", "new, rw-------"})
+    void writesByWayOfATemporaryFile(String target, String expected) throws IOException {
+        Files.setPosixFilePermissions(file("old"), PosixFilePermissions.fromString("rw-r-----"));
         final Set<String> before = names("");
         final Set<String> seen = new HashSet<>();
-        for (int i = 0; i < 4; ++i) {
-            final String target = i % 2 == 0 ? "old" : "new";
-            final String expected = i % 2 == 0 ? permissions("old") : "rw-------";
-            final Failure failure =
-                    assertThrows(
-                            Failure.class,
-                            () ->
-                                    WholeFile.write(
-                                            file(target),
-                                            WholeFile.OWNER_ONLY,
-                                            out -> {
-                                                final Set<String> now = new HashSet<>(names(""));
-                                                now.removeAll(before);
-                                                final String name = now.iterator().next();
-                                                assertEquals(expected, permissions(name));
-                                                assertTrue(name.startsWith("."));
-                                                assertTrue(seen.add(name), "a name once more");
-                                                out.write(new byte[100000]);
-                                                throw new IOException("no more");
-                                            }));
+        final WholeFile.Writer writer =
+                out -> {
+                    final Set<String> now = new HashSet<>(names(""));
+                    now.removeAll(before);
+                    seen.addAll(now);
+                    assertEquals(expected, permissions(now.iterator().next()));
+                    out.write(new byte[100000]);
+                    throw new IOException("no more");
+                };
+        for (int i = 0; i < 2; ++i) {
+            final Executable write =
+                    () -> WholeFile.write(file(target), WholeFile.OWNER_ONLY, writer);
+            final Failure failure = assertThrows(Failure.class, write);
             assertEquals(at("cannot write ./" + target + ": no more"), failure.getMessage());
-            assertEquals(before, names(""));
-            assertEquals("as it was", Files.readString(file("old")));
         }
+        assertEquals(2, seen.size(), "another name each time");
+        assertEquals(before, names(""));
+        assertEquals("as it was", Files.readString(file("old")));
     }
 
     private String permissions(String name) throws IOException {
