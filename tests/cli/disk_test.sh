@@ -19,7 +19,8 @@ fails() {
     local status=0 line=$1
     shift
     "$@" 2>err </dev/null || status=$?
-    if [[ $status != 1 || $(cat err) != "zoren: $line" || $(cat old.* shut/old.png | uniq) != "as it was" ]]; then
+    if [[ $status != 1 || $(cat err) != "zoren: $line" ||
+        $(cat old.* shut/old.png | uniq) != "as it was" ]]; then
         printf 'failed (%s): %s\n%s\n' "$status" "$*" "$(cat err)" >&2
         exit 1
     fi
@@ -38,7 +39,7 @@ if unshare -rm mount -t tmpfs none device 2>/dev/null; then # where a machine le
         unshare -rm bash -c "$full" "$zoren" "$photo"
 fi
 fails "standard output cannot be written" "$zoren" gray --json "$photo" >/dev/full
-# The configuration is for root; a root without these capabilities meets permissions as anybody does.
+# The configuration is for root; a root without these meets permissions as anybody does.
 plain=() root=(unshare -r)
 if [[ $(id -u) == 0 ]]; then
     caps=-dac_override,-dac_read_search

@@ -168,7 +168,8 @@ final class Pictures {
         final Metadata metadata = new Metadata();
         try (InputStream in = new BufferedInputStream(Files.newInputStream(path))) {
             final Set<PngChunkType> wanted = Set.of(new PngChunkType("eXIf"));
-            for (final PngChunk chunk : new PngChunkReader().extract(new StreamReader(in), wanted)) {
+            for (final PngChunk chunk :
+                    new PngChunkReader().extract(new StreamReader(in), wanted)) {
                 new ExifReader().extract(new ByteArrayReader(chunk.getBytes()), metadata);
             }
         }

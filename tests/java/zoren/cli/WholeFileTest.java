@@ -4,6 +4,9 @@ import static java.awt.image.BufferedImage.*;
 import static org.junit.jupiter.api.Assertions.*;
 
 import java.io.IOException;
+import java.net.StandardProtocolFamily;
+import java.net.UnixDomainSocketAddress;
+import java.nio.channels.ServerSocketChannel;
 import java.nio.file.FileAlreadyExistsException;
 import java.nio.file.Files;
 import java.nio.file.LinkOption;
@@ -64,6 +67,7 @@ class WholeFileTest extends CliTest {
         "sub/../old, old, ",
         "link, old, ",
         "sub, , exists and is not a regular file",
+        "socket, , exists and is not a regular file",
         "none, , is a symbolic link that leads to nothing",
         "target, , is a symbolic link that leads to nothing",
     })
@@ -71,7 +75,11 @@ class WholeFileTest extends CliTest {
             throws IOException {
         Files.createDirectory(file("sub"));
         Files.createSymbolicLink(file("link"), Path.of("sub/../old"));
-        Files.createSymbolicLink(file("target"), Path.of(leadsTo.startsWith("./") ? at(leadsTo) : leadsTo));
+        try (ServerSocketChannel socket = ServerSocketChannel.open(StandardProtocolFamily.UNIX)) {
+            socket.bind(UnixDomainSocketAddress.of(file("socket"))); // its file stays
+        }
+        Files.createSymbolicLink(
+                file("target"), Path.of(leadsTo.startsWith("./") ? at(leadsTo) : leadsTo));
         final Set<String> before = names("");
         if (reason == null) {
             assertEquals(0, run("seal ./in.xml ./target"), err);

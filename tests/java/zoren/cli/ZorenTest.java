@@ -203,7 +203,7 @@ class ZorenTest extends CliTest {
             assertEquals(0, run("seal ./in.xml ./sealed"), err);
             Files.write(CONFIG, Files.readAllBytes(file("sealed")));
             assertEquals(0, run("config"), err);
-            assertTrue(out.equals(text.endsWith("\n") ? text : text + "\n"), text.length() + " long");
+            assertTrue(out.equals(text.endsWith("\n") ? text : text + "\n"), "" + text.length());
         }
         assertEquals(limit, Files.size(CONFIG));
         final String[] tooLong = {
