@@ -17,15 +17,17 @@ as_root() {
 
 # Installs the given packages that are missing; silent when none is.
 install_missing() {
-    local missing=() package native
+    local missing=() package native installed
     native=$(dpkg --print-architecture)
+    # One line a package and architecture that it is known for.
+    installed=$(dpkg-query -W -f='${Package}:${Architecture} ${db:Status-Status}\n' "${@%:*}" \
+        2>/dev/null | sed -n 's/ installed$//p') || true
     for package in "$@"; do
-        # One line an architecture that the package is known for.
-        dpkg-query -W -f='${Architecture} ${db:Status-Status}\n' "${package%:*}" 2>/dev/null |
-            case $package in
-                *:*) grep -qx "${package#*:} installed" ;;
-                *) grep -qxE "($native|all) installed" ;;
-            esac || missing+=("$package")
+        case $'\n'$installed$'\n' in
+            *$'\n'"${package%:*}:all"$'\n'*) [[ $package != *:* ]] || missing+=("$package") ;;
+            *$'\n'"$package"$'\n'* | *$'\n'"$package:$native"$'\n'*) ;;
+            *) missing+=("$package") ;;
+        esac
     done
     [ ${#missing[@]} -gt 0 ] || return 0
     if [ "$(id -u)" -ne 0 ] && ! command -v sudo >/dev/null; then
@@ -34,9 +36,21 @@ install_missing() {
         return 1
     fi
     echo "Installing ${missing[*]} (a minute or two) ..."
-    quietly as_root apt-get update
-    quietly as_root env DEBIAN_FRONTEND=noninteractive \
-        apt-get install -y --no-install-recommends "${missing[@]}"
+    quietly update_lists
+    quietly as_root env DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=600 \
+        install -y --no-install-recommends "${missing[@]}"
+}
+
+# apt waits for another one's lock when it installs, but not when it updates its lists: ten minutes.
+update_lists() {
+    local log tries
+    for ((tries = 0; tries < 300; ++tries)); do
+        if log=$(as_root env LC_ALL=C apt-get update 2>&1); then return 0; fi
+        if [[ $log != *"Could not get lock"* ]]; then break; fi
+        sleep 2
+    done
+    echo "$log" >&2
+    return 1
 }
 
 # Runs a command and shows what it printed only when it fails.
@@ -48,12 +62,43 @@ quietly() {
     return "$status"
 }
 
-# Configures and builds one preset in $root; silent but for one line the first time.
+# Whether the last whole build of a preset began after every change of a file in $root, or of a
+# folder: that is what a file that goes leaves behind. Takes some hundredths of a second.
+current() {
+    local built=$root/build/$1/built made newer
+    for made in "$built" "${built%/*}"/{bin/zoren,lib/libzoren_runtime.so,lib/zoren-cli.jar}; do
+        [ -f "$made" ] || return 1
+    done
+    newer=$(find "$root" -mindepth 1 \
+        \( -path "$root/build" -o -path "$root/out" -o -path "$root/.git" \) -prune -o \
+        -newer "$built" -print -quit) && [ -z "$newer" ]
+}
+
+# build PRESET [--target NAME]: configures and builds a preset in $root; silent but for one line the
+# first time. Others that build it meanwhile wait.
 build() {
-    if [ ! -w "$root" ]; then
-        echo "$root cannot be written by $(id -un): build in a clone of your own" >&2
+    local folder=$root/build/$1
+    if [ ! -w "$root" ] || { [ -e "$folder" ] && [ ! -w "$folder" ]; }; then
+        if [ -f "$folder/built" ]; then
+            echo "build/$1 is older than the sources, and $(id -un) cannot write in $root:" \
+                "its owner must build it again, or build in a clone of your own" >&2
+        else
+            echo "$root cannot be written by $(id -un): build in a clone of your own" >&2
+        fi
         return 1
     fi
-    [ -f "$root/build/$1/build.ninja" ] || echo "Building build/$1 ..."
-    (cd "$root" && quietly cmake --preset "$1" && quietly cmake --build --preset "$1")
+    mkdir -p "$root/build" && (flock 9 && locked_build "$@") 9>"$folder.lock"
+}
+
+locked_build() {
+    if [ "${only_if_stale-}" ] && current "$1"; then return; fi
+    [ -f "$folder/build.ninja" ] || echo "Building build/$1 ..."
+    touch "$folder.begun"  # what changes while it is built is newer
+    cd "$root" && quietly cmake --preset "$1" 9>&- && quietly cmake --build --preset "$@" 9>&- &&
+        if [ $# -eq 1 ]; then mv "$folder.begun" "$folder/built"; fi
+}
+
+# The same, when it is not current.
+build_if_stale() {
+    current "$1" || only_if_stale=yes build "$1"
 }
