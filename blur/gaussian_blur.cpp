@@ -8,6 +8,7 @@
 #include "blur/folded_kernel.h"
 #include "blur/pass_plan.h"
 #include "blur/step_blur.h"
+#include "blur/symmetric_blur.h"
 #include "blur/tap_blur.h"
 #include "blur/try_gaussian_blur.h"
 
@@ -66,8 +67,18 @@ bool blurAnyKernel(BitmapStruct* bitmap, const int32_t* kernel, int32_t size, in
     return true;
 }
 
-size_t scratchWords(const PassPlan& plan, size_t length, size_t lines) {
-    return plan.bySteps() ? stepScratchWords(plan, length) : tapScratchWords(plan, length, lines);
+struct Method {
+    void (*blurRows)(const BitmapStruct& bitmap, const PassPlan& plan, uint32_t* scratch);
+    void (*blurColumns)(const BitmapStruct& bitmap, const PassPlan& plan, uint32_t* scratch);
+    size_t (*scratchWords)(const PassPlan& plan, size_t length, size_t lines);
+};
+
+Method methodOf(const PassPlan& plan) {
+    if (plan.bySteps()) return {blurRowsBySteps, blurColumnsBySteps, stepScratchWords};
+    if (plan.bySymmetricTaps()) {
+        return {blurRowsBySymmetricTaps, blurColumnsBySymmetricTaps, symmetricScratchWords};
+    }
+    return {blurRowsByTaps, blurColumnsByTaps, tapScratchWords};
 }
 
 }  // namespace
@@ -90,15 +101,14 @@ bool tryGaussianBlur(BitmapStruct* bitmap, const int32_t* kernel, int32_t size, 
     }
     const size_t width = static_cast<size_t>(bitmap->width);
     const size_t height = static_cast<size_t>(bitmap->height);
-    const size_t words =
-        std::max(scratchWords(rowPlan, width, height), scratchWords(columnPlan, height, width));
+    const Method rows = methodOf(rowPlan), columns = methodOf(columnPlan);
+    const size_t words = std::max(rows.scratchWords(rowPlan, width, height),
+                                  columns.scratchWords(columnPlan, height, width));
     const std::unique_ptr<uint32_t[]> scratch(new (std::nothrow) uint32_t[words]);
     if (!scratch) return false;
 
-    const auto blurRows = rowPlan.bySteps() ? blurRowsBySteps : blurRowsByTaps;
-    const auto blurColumns = columnPlan.bySteps() ? blurColumnsBySteps : blurColumnsByTaps;
-    blurRows(*bitmap, rowPlan, scratch.get());
-    blurColumns(*bitmap, columnPlan, scratch.get());
+    rows.blurRows(*bitmap, rowPlan, scratch.get());
+    columns.blurColumns(*bitmap, columnPlan, scratch.get());
     return true;
 }
 

@@ -3,6 +3,8 @@
 namespace android {
 namespace {
 
+constexpr int32_t kSymmetricReach = 10;
+constexpr int32_t kSymmetricLength = 96;
 constexpr int32_t kNarrowReach = 24;  // narrower kernels are cheaper by taps, without asking
 
 // What 16 outputs of one channel cost, in hundredths of a nanosecond, measured on x86-64 with AVX2;
@@ -10,12 +12,12 @@ constexpr int32_t kNarrowReach = 24;  // narrower kernels are cheaper by taps, w
 // of terms; each piece is widened and added up; laying out the tables grows with their number, and
 // with the border where a kernel is wide beside the line. The last number of each is what does not
 // depend on the plan: reading the line, the division, writing.
-bool stepsAreCheaper(const StepPlan& steps, const TapPlan& taps, size_t tapPairCost,
-                     int32_t length) {
+bool stepsAreCheaper(const StepPlan& steps, const TapPlan& taps, size_t tapPairCost, int32_t length,
+                     bool symmetric) {
     const size_t tables = 1 + (steps.prefixSums ? 1 : 0) + steps.distanceCount;
     const size_t layOut = tables * static_cast<size_t>(steps.tableRows / length);
     const size_t stepCost = 18 * steps.termCount + 90 * steps.pieceCount + 15 * layOut + 1000;
-    const size_t tapCost = tapPairCost * taps.pairs * taps.rounds + 600;
+    const size_t tapCost = tapPairCost * taps.pairs * taps.rounds * (symmetric ? 6 : 10) / 10 + 600;
     return stepCost < tapCost;
 }
 
@@ -32,9 +34,14 @@ bool makePassPlan(const int32_t* kernel, int32_t size, int32_t norm, int32_t len
     FoldedKernel folded;
     plan->divisor = divisorOf(norm);
     if (!foldKernel(kernel, size, length, &folded) || !planTaps(folded, &plan->taps)) return false;
+    if (folded.reach >= kSymmetricReach && length >= kSymmetricLength &&
+        !planSymmetricTaps(folded, &plan->symmetric)) {
+        return false;
+    }
     if (folded.reach < kNarrowReach) return true;
     if (!planSteps(folded, length, &plan->steps)) return false;
-    if (plan->bySteps() && !stepsAreCheaper(plan->steps, plan->taps, tapPairCost, length)) {
+    if (plan->bySteps() &&
+        !stepsAreCheaper(plan->steps, plan->taps, tapPairCost, length, plan->bySymmetricTaps())) {
         plan->steps = StepPlan();
     }
     return true;

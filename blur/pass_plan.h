@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "blur/step_plan.h"
+#include "blur/symmetric_plan.h"
 #include "blur/tap_plan.h"
 
 namespace android {
@@ -35,8 +36,10 @@ constexpr uint32_t kNearComplement = 257;
 struct PassPlan {
     Divisor divisor;
     TapPlan taps;
+    SymmetricPlan symmetric;
     StepPlan steps;
     bool bySteps() const { return steps.terms != nullptr; }
+    bool bySymmetricTaps() const { return symmetric.turns > 0; }
 };
 
 // Makes the cheapest plan for lines of `length` pixels under a plain kernel (isPlainKernel), where

@@ -297,7 +297,7 @@ void blurColumnsBySteps(const BitmapStruct& bitmap, const PassPlan& plan, uint32
     }
 }
 
-size_t stepScratchWords(const PassPlan& plan, size_t length) {
+size_t stepScratchWords(const PassPlan& plan, size_t length, size_t) {
     const size_t rows = (2 + plan.steps.distanceCount) * static_cast<size_t>(plan.steps.tableRows);
     return 16 + length * kLines + rows * kLines / 2;
 }
@@ -320,8 +320,8 @@ void blurColumnsBySteps(const BitmapStruct& bitmap, const PassPlan& plan, uint32
     HWY_DYNAMIC_DISPATCH(blurColumnsBySteps)(bitmap, plan, scratch);
 }
 
-size_t stepScratchWords(const PassPlan& plan, size_t length) {
-    return HWY_DYNAMIC_DISPATCH(stepScratchWords)(plan, length);
+size_t stepScratchWords(const PassPlan& plan, size_t length, size_t lines) {
+    return HWY_DYNAMIC_DISPATCH(stepScratchWords)(plan, length, lines);
 }
 }  // namespace android
 #endif

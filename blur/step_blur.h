@@ -12,6 +12,6 @@ namespace android {
 // them.
 void blurRowsBySteps(const BitmapStruct& bitmap, const PassPlan& plan, uint32_t* scratch);
 void blurColumnsBySteps(const BitmapStruct& bitmap, const PassPlan& plan, uint32_t* scratch);
-size_t stepScratchWords(const PassPlan& plan, size_t length);
+size_t stepScratchWords(const PassPlan& plan, size_t length, size_t lines);
 
 }  // namespace android

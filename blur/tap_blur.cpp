@@ -5,11 +5,10 @@
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "blur/tap_blur.cpp"
-#include "hwy/cache_control.h"
 #include "hwy/foreach_target.h"  // compiles the rest of this file once per instruction set
 #include "hwy/highway.h"
 //
-#include "blur/lanes-inl.h"
+#include "blur/tiles-inl.h"
 
 // A pass takes a tile of lines at a time, one a lane, and walks along them. Of each two pixels that
 // follow each other on a line it makes a pair a channel, the earlier pixel in the lower half of a
@@ -28,50 +27,17 @@ HWY_BEFORE_NAMESPACE();
 namespace android::HWY_NAMESPACE {
 namespace {
 
-// A vector holds one pixel of each of its lanes' lines.
-using Pixels = hn::CappedTag<uint32_t, 16>;
-using PixelVector = hn::Vec<Pixels>;
-constexpr size_t kTileLines = hn::MaxLanes(Pixels());
-
-constexpr size_t kGroup = 64 / kTileLines;  // tiles side by side in a column pass, four cache lines
-constexpr size_t kChunk = 32;               // outputs between two moves of the pairs
-constexpr size_t kAhead = 16;  // rows fetched ahead in a column pass, whose rows lie pages apart
-
-constexpr size_t kPairWords = 3 * kTileLines;
-
-HWY_INLINE void makePair(PixelVector early, PixelVector late, uint32_t* pair) {
-    const Pixels d;
-    const hn::Repartition<uint16_t, Pixels> d16;
-    const auto join = [&](PixelVector upper, PixelVector lower) HWY_ATTR {
-        return hn::OddEven(hn::BitCast(d16, upper), hn::BitCast(d16, lower));
-    };
-    const auto redGreen = join(hn::ShiftLeft<16>(late), early);
-    const auto blueAlpha = join(late, hn::ShiftRight<16>(early));
-    const auto byte = hn::Set(d16, 0xFF);
-    hn::Store(hn::BitCast(d, hn::And(redGreen, byte)), d, pair);
-    hn::Store(hn::BitCast(d, hn::ShiftRight<8>(redGreen)), d, pair + kTileLines);
-    hn::Store(hn::BitCast(d, hn::And(blueAlpha, byte)), d, pair + 2 * kTileLines);
-}
+constexpr size_t kChunk = 32;  // outputs between two moves of the pairs
 
 // Two outputs of a tile that start at the same pair; the second one is dropped when `two` is false.
 template <bool kNear, size_t kPairs>
 HWY_INLINE void blurTwo(const uint32_t* HWY_RESTRICT pairs, const PassPlan& plan,
                         uint32_t* HWY_RESTRICT out, size_t step, bool two) {
     const Pixels d;
-    const hn::RebindToSigned<Pixels> sums;
-    const hn::Repartition<int16_t, Pixels> d16;
-    // The near complement goes in beforehand. Targets that add the two products of a lane at once
-    // leave the second sums alone, and the portable one splits them into whole lanes. ARM keeps the
-    // products apart, the lower half's in the first sums and the upper half's in the second, and
-    // adds neighbours in the end.
-#if HWY_ARCH_ARM
-    const hn::Repartition<uint64_t, Pixels> apart;
-    const auto first = hn::BitCast(sums, hn::Set(apart, kNear ? plan.divisor.complement : 0));
-    const auto second = first;
-#else
-    const auto first = hn::BitCast(sums, hn::Set(d, kNear ? plan.divisor.complement : 0));
-    const auto second = hn::Zero(sums);
-#endif
+    const Sums sums;
+    const Halves d16;
+    const auto start = startOfSum<kNear>(plan.divisor);
+    const auto first = start.first, second = start.second;
     auto red0 = first, green0 = first, blue0 = first, red1 = first, green1 = first, blue1 = first;
     auto red0b = second, green0b = second, blue0b = second;
     auto red1b = second, green1b = second, blue1b = second;
@@ -115,14 +81,6 @@ HWY_INLINE void blurTwo(const uint32_t* HWY_RESTRICT pairs, const PassPlan& plan
                out + step);
 }
 
-// The tiles of a pass: pixel i of tile t is the vector at lines + i * step + t * kTileLines.
-struct Tiles {
-    uint32_t* lines;
-    size_t length;
-    size_t step;
-    size_t count;
-};
-
 // The pairs that are kept of each tile, from pair `first` up to pair `made`, at pairs + t * words.
 struct PairBuffers {
     uint32_t* pairs;
@@ -134,15 +92,6 @@ struct PairBuffers {
 // The words that hold the pairs of one tile.
 HWY_INLINE size_t pairWords(const PassPlan& plan, size_t length) {
     return (std::min(kChunk, length + 1) / 2 + plan.taps.pairs) * kPairWords;
-}
-
-// The tiles that a column pass may take side by side: whole cache lines where that fits the memory
-// that a blur may hold, 64 words for each row, column and tap.
-HWY_INLINE size_t groupOf(const PassPlan& plan, size_t length, size_t lines) {
-    const size_t taps = 2 * static_cast<size_t>(plan.taps.reach) + 1;
-    const size_t words = 64 * (length + lines + taps) - length * kTileLines;
-    return std::max<size_t>(
-        1, std::min({kGroup, lines / kTileLines, words / 2 / pairWords(plan, length)}));
 }
 
 // Makes pairs up to `end`. A pixel in front of a line or behind it is its first or its last one.
@@ -167,21 +116,16 @@ HWY_INLINE void makePairs(const Tiles& tiles, size_t reach, size_t end, PairBuff
     while (buffers.made < std::min(outside, end)) {
         const uint32_t* early = tiles.lines + (2 * buffers.made - reach) * tiles.step;
         if (tiles.count > 1) {
-            const uint32_t* ahead = pixel(2 * buffers.made + kAhead);
-            const uint32_t* behind = pixel(2 * buffers.made + kAhead + 1);
-            for (size_t w = 0; w < tiles.count * kTileLines; w += 16) {
-                hwy::Prefetch(ahead + w);
-                hwy::Prefetch(behind + w);
-            }
+            prefetchPixels(tiles, pixel(2 * buffers.made + kAhead),
+                           pixel(2 * buffers.made + kAhead + 1));
         }
         make(early, early + tiles.step);
     }
     while (buffers.made < end) make(pixel(2 * buffers.made), pixel(2 * buffers.made + 1));
 }
 
-// Blurs tiles side by side, in place. Pairs are made ahead of the outputs, so a pixel is taken
-// before it is written. Before pixels up to `end` are read, fetch(end) is called; once the outputs
-// from `begin` to `end` are written, deliver(begin, end).
+// Blurs tiles side by side, in place (blur/tiles-inl.h). Pairs are made ahead of the outputs, so a
+// pixel is taken before it is written.
 template <bool kNear, size_t kPairs, typename Fetch, typename Deliver>
 HWY_INLINE void blurTiles(const Tiles& tiles, const PassPlan& plan, uint32_t* pairs, Fetch fetch,
                           Deliver deliver) {
@@ -231,48 +175,20 @@ HWY_INLINE void withPairs(const PassPlan& plan, Pass pass) {
 
 template <bool kNear, size_t kPairs>
 HWY_NOINLINE void blurRows(const BitmapStruct& bitmap, const PassPlan& plan, uint32_t* scratch) {
-    const size_t width = static_cast<size_t>(bitmap.width);
-    const size_t height = static_cast<size_t>(bitmap.height);
-    uint32_t* tile = alignedScratch(scratch);
-    uint32_t* pairs = tile + width * kTileLines;
-    for (size_t y = 0; y < height; y += kTileLines) {
-        const size_t lines = std::min(kTileLines, height - y);
-        uint32_t* rows = bitmap.pixels + y * width;
-        // Turned over little by little, while the first-level cache still holds the pixels.
-        size_t fetched = 0;
-        const auto fetch = [&](size_t end) HWY_ATTR {
-            end = std::min(width, (end + kTileLines - 1) / kTileLines * kTileLines);
-            if (end <= fetched) return;
-            gatherRows(Pixels(), rows + fetched, width, lines, end - fetched,
-                       tile + fetched * kTileLines, kTileLines);
-            fetched = end;
-        };
-        const auto deliver = [&](size_t begin, size_t end) HWY_ATTR {
-            scatterRows(Pixels(), tile + begin * kTileLines, kTileLines, lines, end - begin,
-                        rows + begin, width);
-        };
-        blurTiles<kNear, kPairs>({tile, width, kTileLines, 1}, plan, pairs, fetch, deliver);
-    }
+    blurTilesOfRows(bitmap, scratch,
+                    [&](const Tiles& tiles, uint32_t* pairs, auto fetch, auto deliver)
+                        HWY_ATTR { blurTiles<kNear, kPairs>(tiles, plan, pairs, fetch, deliver); });
 }
 
 template <bool kNear, size_t kPairs>
 HWY_NOINLINE void blurColumns(const BitmapStruct& bitmap, const PassPlan& plan, uint32_t* scratch) {
     const size_t width = static_cast<size_t>(bitmap.width);
     const size_t height = static_cast<size_t>(bitmap.height);
-    uint32_t* tile = alignedScratch(scratch);
-    uint32_t* pairs = tile + height * kTileLines;
-    const size_t group = groupOf(plan, height, width);
-    const auto nothing = [](auto...) {};
-    size_t x = 0;
-    for (size_t count; (count = std::min(group, (width - x) / kTileLines)) > 0;
-         x += count * kTileLines) {
-        blurTiles<kNear, kPairs>({bitmap.pixels + x, height, width, count}, plan, pairs, nothing,
-                                 nothing);
-    }
-    if (x == width) return;
-    copyLines(bitmap.pixels + x, width, width - x, height, tile, kTileLines);
-    blurTiles<kNear, kPairs>({tile, height, kTileLines, 1}, plan, pairs, nothing, nothing);
-    copyLines(tile, kTileLines, width - x, height, bitmap.pixels + x, width);
+    const size_t group = groupOf(plan, height, width, pairWords(plan, height));
+    blurTilesOfColumns(bitmap, group, scratch,
+                       [&](const Tiles& tiles, uint32_t* pairs, auto fetch, auto deliver) HWY_ATTR {
+                           blurTiles<kNear, kPairs>(tiles, plan, pairs, fetch, deliver);
+                       });
 }
 
 void blurRowsByTaps(const BitmapStruct& bitmap, const PassPlan& plan, uint32_t* scratch) {
@@ -286,7 +202,7 @@ void blurColumnsByTaps(const BitmapStruct& bitmap, const PassPlan& plan, uint32_
 }
 
 size_t tapScratchWords(const PassPlan& plan, size_t length, size_t lines) {
-    return 16 + length * kTileLines + groupOf(plan, length, lines) * pairWords(plan, length);
+    return tileScratchWords(plan, length, lines, pairWords(plan, length));
 }
 
 // Measured with AVX2 and with AVX-512; the ratio to a step is what counts, elsewhere too.
