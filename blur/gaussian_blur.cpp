@@ -8,6 +8,7 @@
 #include "blur/folded_kernel.h"
 #include "blur/pass_plan.h"
 #include "blur/step_blur.h"
+#include "blur/sweep_blur.h"
 #include "blur/symmetric_blur.h"
 #include "blur/tap_blur.h"
 #include "blur/try_gaussian_blur.h"
@@ -93,6 +94,18 @@ bool tryGaussianBlur(BitmapStruct* bitmap, const int32_t* kernel, int32_t size, 
     }
     if (!isPlainKernel(kernel, size, norm)) return blurAnyKernel(bitmap, kernel, size, norm);
 
+    SweepPlan sweep;
+    if (!planSweep(kernel, size, norm, bitmap->width, bitmap->height, &sweep)) return false;
+    if (sweep.reach > 0) {
+        const size_t words = sweepScratchWords(sweep, static_cast<size_t>(bitmap->width),
+                                               static_cast<size_t>(bitmap->height));
+        if (words + 200 <= 64 * static_cast<size_t>(bitmap->width + bitmap->height + size)) {
+            const std::unique_ptr<uint32_t[]> scratch(new (std::nothrow) uint32_t[words]);
+            if (!scratch) return false;
+            blurBySweep(*bitmap, sweep, scratch.get());
+            return true;
+        }
+    }
     const size_t cost = tapPairCost();
     PassPlan rowPlan, columnPlan;
     if (!makePassPlan(kernel, size, norm, bitmap->width, cost, &rowPlan) ||

@@ -1,0 +1,388 @@
+#include "blur/sweep_blur.h"
+
+#include <cstring>
+#include <type_traits>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "blur/sweep_blur.cpp"
+#include "hwy/cache_control.h"
+#include "hwy/foreach_target.h"  // compiles the rest of this file once per instruction set
+#include "hwy/highway.h"
+//
+#include "blur/lanes-inl.h"
+
+// Carries out a sweep plan (blur/sweep_plan.h). The picture is taken in strips of columns, from
+// left to right, each from the top to the bottom a band of rows at a time:
+//
+//     line    one row of the strip with its neighbours on either side, a plane of 16 bits a channel
+//     tile    the horizontal results of a band and of the rows above and below it that it needs
+//
+// A row is laid out in planes once. Pairs of neighbouring pixels are multiplied as they lie there,
+// at any address, so that nothing is turned over; then the rows of the tile that share a weight are
+// added, two such sums interleaved, and weighed by one multiply-add. A strip writes the pixels that
+// its right neighbour still needs, so these are kept beside.
+
+HWY_BEFORE_NAMESPACE();
+namespace android::HWY_NAMESPACE {
+namespace {
+
+using Pixels = hn::CappedTag<uint32_t, 16>;
+using PixelVector = hn::Vec<Pixels>;
+using Lanes = hn::Repartition<uint16_t, Pixels>;
+using LaneVector = hn::Vec<Lanes>;
+using Halves = hn::Repartition<int16_t, Pixels>;
+using Sums = hn::RebindToSigned<Pixels>;
+using SumVector = hn::Vec<Sums>;
+
+constexpr size_t kWords = hn::MaxLanes(Pixels());
+constexpr size_t kBlock = hn::MaxLanes(Lanes());  // pixels of a channel in a vector
+constexpr bool kManyRegisters = kWords == 16 || HWY_ARCH_ARM;
+constexpr size_t kSide = kManyRegisters ? 2 : 1;  // blocks of a row taken together
+constexpr size_t kRows = kManyRegisters ? 4 : 2;  // rows of a block taken together
+constexpr size_t kStrip = 512;                    // columns of a strip
+constexpr size_t kBand = 64;                      // rows of a band
+constexpr size_t kAhead = 4;                      // rows fetched ahead
+
+HWY_INLINE hn::Vec<Halves> both(uint32_t weights) {
+    return hn::BitCast(Halves(), hn::Set(Pixels(), weights));
+}
+
+struct SplitSum {
+    SumVector first, second;
+    HWY_INLINE void add(hn::Vec<Halves> pair, hn::Vec<Halves> weights) {
+        first = hn::ReorderWidenMulAccumulate(Sums(), pair, weights, first, second);
+    }
+    HWY_INLINE PixelVector quotient(const Divisor& divisor) const {
+        return divide<true>(hn::BitCast(Pixels(), hn::RearrangeToOddPlusEven(first, second)),
+                            divisor);
+    }
+};
+
+HWY_INLINE SplitSum startOfSum(const Divisor& divisor) {
+#if HWY_ARCH_ARM
+    const auto first =
+        hn::BitCast(Sums(), hn::Set(hn::Repartition<uint64_t, Pixels>(), divisor.complement));
+    return {first, first};
+#else
+    return {hn::BitCast(Sums(), hn::Set(Pixels(), divisor.complement)), hn::Zero(Sums())};
+#endif
+}
+
+// Where things lie in the scratch, in 16-bit units, for strips of `columns` columns at most.
+struct Layout {
+    size_t blocks;     // of a strip
+    size_t front;      // places of the line in front of the strip's first pixel
+    size_t lineSize;   // of a plane of the line
+    size_t band;       // rows
+    size_t tileRows;   // rows of a block of a channel
+    size_t keptWords;  // 32-bit words: the pixels kept for the next strip
+    size_t strips;
+    size_t columns;  // of every strip but the last
+
+    HWY_INLINE Layout(const SweepPlan& plan, size_t width, size_t height) {
+        const size_t reach = static_cast<size_t>(plan.reach);
+        const size_t unit = kSide * kBlock;
+        strips = (width + kStrip - 1) / kStrip;
+        columns = ((width + strips - 1) / strips + unit - 1) / unit * unit;
+        strips = (width + columns - 1) / columns;
+        blocks = columns / kBlock;
+        front = (reach + kBlock - 1) / kBlock * kBlock;
+        lineSize = front + columns + reach / kBlock * kBlock + kBlock;
+        band = std::min((height + kRows - 1) / kRows * kRows, std::max(kBand, 2 * reach));
+        tileRows = (band + 2 * reach) | 1;  // odd, so that columns do not collide in the cache
+        keptWords = strips > 1 ? height * reach : 0;
+    }
+    HWY_INLINE size_t words() const {
+        return 16 + (3 * lineSize + 3 * blocks * tileRows * kBlock) / 2 + keptWords;
+    }
+};
+
+struct Strip {
+    uint32_t* pixels;  // of row 0
+    size_t width;      // of the picture
+    size_t height;
+    size_t begin, end;  // columns
+    uint32_t* kept;     // reach words a row
+};
+
+// Puts two vectors of pixel words into the planes at `line`, from place `x` on.
+HWY_INLINE void putPlanes(PixelVector low, PixelVector high, uint16_t* line, size_t lineSize) {
+    const Lanes d16;
+    const auto a = hn::BitCast(d16, low), b = hn::BitCast(d16, high);
+    const auto redGreen = hn::ConcatEven(d16, b, a), blueAlpha = hn::ConcatOdd(d16, b, a);
+    const auto byte = hn::Set(d16, 0xFF);
+    hn::StoreU(hn::And(redGreen, byte), d16, line);
+    hn::StoreU(hn::ShiftRight<8>(redGreen), d16, line + lineSize);
+    hn::StoreU(hn::And(blueAlpha, byte), d16, line + 2 * lineSize);
+}
+
+// Lays out row `y` of the strip with `reach` pixels on either side and what fills the last block
+// up. Place kBlock of a plane is the strip's first pixel.
+HWY_INLINE void layOutRow(const Strip& strip, size_t y, size_t reach, const Layout& layout,
+                          size_t blocks, uint16_t* line) {
+    const Pixels d;
+    const uint32_t* row = strip.pixels + y * strip.width;
+    const uint32_t* ahead = row + std::min(kAhead, strip.height - 1 - y) * strip.width;
+    for (size_t x = strip.begin; x < strip.end; x += 16) hwy::Prefetch(ahead + x);
+
+    HWY_ALIGN uint32_t edge[2 * kWords];
+    static_assert(2 * kWords == kBlock);
+    uint32_t* kept = strip.kept + y * reach;
+    uint16_t* const first = line + layout.front;
+    const auto single = [&](ptrdiff_t place, uint32_t pixel) {
+        for (int c = 0; c < 3; ++c) {
+            first[static_cast<ptrdiff_t>(c) * static_cast<ptrdiff_t>(layout.lineSize) + place] =
+                static_cast<uint16_t>(pixel >> 8 * c & 0xFF);
+        }
+    };
+    for (size_t i = 0; i < reach; ++i) {
+        single(-static_cast<ptrdiff_t>(reach - i), strip.begin == 0 ? row[0] : kept[i]);
+    }
+    if (strip.end < strip.width) std::copy_n(row + strip.end - reach, reach, kept);
+
+    const size_t places = blocks * kBlock + reach + 1;  // from the first pixel on
+    const size_t have = strip.width - strip.begin;
+    size_t x = 0;
+    for (; x < places && x + kBlock <= have; x += kBlock) {
+        const uint32_t* from = row + strip.begin + x;
+        putPlanes(hn::LoadU(d, from), hn::LoadU(d, from + kWords), first + x, layout.lineSize);
+    }
+    for (; x < places; x += kBlock) {
+        const size_t some = x < have ? std::min(kBlock, have - x) : 0;
+        std::copy_n(row + strip.begin + x, some, edge);
+        std::fill(edge + some, edge + kBlock, row[strip.width - 1]);
+        putPlanes(hn::Load(d, edge), hn::Load(d, edge + kWords), first + x, layout.lineSize);
+    }
+}
+
+// In a vector of 16-bit lanes, brings pixels 0 to 3 and kWords to kWords + 3 into the first 128
+// bits, the next four of each into the second, so that interleaving the lower and upper halves of
+// these gives words in the order of the pixels.
+HWY_INLINE LaneVector deal(LaneVector pixels) {
+    if constexpr (kWords == 4) {
+        return pixels;
+    } else {
+        const hn::Repartition<uint64_t, Lanes> d64;
+        HWY_ALIGN static constexpr uint64_t kOrder[2][8] = {{0, 2, 1, 3}, {0, 4, 1, 5, 2, 6, 3, 7}};
+        const auto order = hn::SetTableIndices(d64, kOrder[kWords == 16]);
+        return hn::BitCast(Lanes(), hn::TableLookupLanes(hn::BitCast(d64, pixels), order));
+    }
+}
+
+// Blurs the line; the results go to row 0 of the tile at `tile`.
+template <size_t kReach>
+HWY_INLINE void blurLine(const uint16_t* line, const SweepPlan& plan, const Layout& layout,
+                         size_t blocks, uint16_t* HWY_RESTRICT tile) {
+    const Halves d16;
+    const size_t reach = kReach > 0 ? kReach : static_cast<size_t>(plan.reach);
+    const uint32_t* HWY_RESTRICT weights = plan.rows.weights.get();
+    const Divisor divisor = plan.divisor;  // copies, which what is stored cannot change
+    const SplitSum start = startOfSum(divisor);
+    const size_t lineSize = layout.lineSize;
+    const size_t column = layout.tileRows * kBlock, channel = layout.blocks * column;
+    const uint16_t* const from = line + layout.front - reach;
+    for (size_t b = 0; b < blocks; b += kSide) {
+        SplitSum even[3 * kSide], odd[3 * kSide];
+        for (size_t i = 0; i < 3 * kSide; ++i) even[i] = odd[i] = start;
+        const auto addPair = [&](size_t p) HWY_ATTR {
+            const auto evenWeights = both(weights[2 * p]), oddWeights = both(weights[2 * p + 1]);
+            for (size_t i = 0; i < 3 * kSide; ++i) {
+                const uint16_t* at = from + i % 3 * lineSize + (b + i / 3) * kBlock + 2 * p;
+                const auto pair = hn::BitCast(d16, hn::LoadU(Lanes(), at));
+                even[i].add(pair, evenWeights);
+                odd[i].add(pair, oddWeights);
+            }
+        };
+        if constexpr (kReach > 0) {
+            for (size_t p = 0; p <= kReach; ++p) addPair(p);
+        } else {
+#pragma GCC unroll 2
+            for (size_t p = 0; p <= reach; ++p) addPair(p);
+        }
+        for (size_t i = 0; i < 3 * kSide; ++i) {
+            const auto evenPixels = hn::ShiftRight<16>(even[i].quotient(divisor));
+            const auto oddPixels = odd[i].quotient(divisor);
+            const auto pixels =
+                hn::OddEven(hn::BitCast(Lanes(), oddPixels), hn::BitCast(Lanes(), evenPixels));
+            hn::Store(deal(pixels), Lanes(), tile + i % 3 * channel + (b + i / 3) * column);
+        }
+    }
+}
+
+// Sums of the rows of a block and a channel: kRows outputs from the one whose own row is `row` on.
+template <size_t kReach>
+HWY_INLINE void addRows(const uint16_t* HWY_RESTRICT row, const SweepPlan& plan, SplitSum* lower,
+                        SplitSum* upper) {
+    const Lanes d16;
+    constexpr ptrdiff_t kKnown = kReach;
+    const ptrdiff_t reach = kKnown > 0 ? kKnown : plan.reach;
+    const auto start = startOfSum(plan.divisor);
+    for (size_t r = 0; r < kRows; ++r) lower[r] = upper[r] = start;
+    const auto load = [&](ptrdiff_t place) HWY_ATTR {
+        return hn::Load(d16, row + place * static_cast<ptrdiff_t>(kBlock));
+    };
+    const auto two = [&](size_t r, ptrdiff_t distance) HWY_ATTR {
+        const ptrdiff_t own = static_cast<ptrdiff_t>(r);
+        return hn::Add(load(own - distance), load(own + distance));
+    };
+    const auto add = [&](size_t r, LaneVector a, LaneVector b, hn::Vec<Halves> weights) HWY_ATTR {
+        lower[r].add(hn::BitCast(Halves(), hn::InterleaveLower(d16, a, b)), weights);
+        upper[r].add(hn::BitCast(Halves(), hn::InterleaveUpper(d16, a, b)), weights);
+    };
+    const auto center = both(plan.columns[0]);
+    for (size_t r = 0; r < kRows; ++r) add(r, load(static_cast<ptrdiff_t>(r)), two(r, 1), center);
+    const auto addDistance = [&](ptrdiff_t distance) HWY_ATTR {
+        const auto weights = both(plan.columns[static_cast<size_t>(distance / 2)]);
+        for (size_t r = 0; r < kRows; ++r) {
+            add(r, two(r, distance), two(r, distance + 1), weights);
+        }
+    };
+    if constexpr (kReach > 0) {
+#pragma GCC unroll 10
+        for (ptrdiff_t distance = 2; distance < kKnown; distance += 2) addDistance(distance);
+    } else {
+#pragma GCC unroll 2
+        for (ptrdiff_t distance = 2; distance < reach; distance += 2) addDistance(distance);
+    }
+    if (reach % 2 == 0) {
+        const auto weights = both(plan.columns[static_cast<size_t>(reach / 2)]);
+        for (size_t r = 0; r < kRows; ++r) add(r, two(r, reach), hn::Zero(d16), weights);
+    }
+}
+
+// Blurs the columns of a block over `count` rows; `tile` is the first of them in the red channel.
+template <size_t kReach>
+HWY_INLINE void blurBlock(const uint16_t* tile, const SweepPlan& plan, const Layout& layout,
+                          size_t count, size_t columns, uint32_t* out, size_t step) {
+    const Pixels d;
+    const Divisor divisor = plan.divisor;
+    const size_t channel = layout.blocks * layout.tileRows * kBlock;
+    for (size_t y = 0; y < count; y += kRows) {
+        PixelVector words[kRows][2];
+        for (size_t c = 0; c < 3; ++c) {
+            SplitSum lower[kRows], upper[kRows];
+            addRows<kReach>(tile + c * channel + y * kBlock, plan, lower, upper);
+            for (size_t r = 0; r < kRows; ++r) {
+                const PixelVector quotients[] = {lower[r].quotient(divisor),
+                                                 upper[r].quotient(divisor)};
+                for (size_t h = 0; h < 2; ++h) {
+                    const auto q = quotients[h];
+                    if (c == 0) {
+                        words[r][h] = hn::ShiftRight<16>(q);
+                    } else if (c == 1) {
+                        words[r][h] =
+                            hn::OrAnd(words[r][h], hn::ShiftRight<8>(q), hn::Set(d, 0xFF00));
+                    } else {
+                        words[r][h] = hn::OrAnd(hn::Or(words[r][h], hn::Set(d, 0xFF000000)), q,
+                                                hn::Set(d, 0xFF0000));
+                    }
+                }
+            }
+        }
+        for (size_t r = 0; r < kRows && y + r < count; ++r) {
+            uint32_t* to = out + (y + r) * step;
+            if (columns >= kBlock) {
+                hn::StoreU(words[r][0], d, to);
+                hn::StoreU(words[r][1], d, to + kWords);
+            } else {
+                HWY_ALIGN uint32_t some[kBlock];
+                hn::Store(words[r][0], d, some);
+                hn::Store(words[r][1], d, some + kWords);
+                std::copy_n(some, columns, to);
+            }
+        }
+    }
+}
+
+template <size_t kReach>
+HWY_INLINE void blurStrip(const Strip& strip, const SweepPlan& plan, const Layout& layout,
+                          uint16_t* line, uint16_t* tile) {
+    const size_t reach = static_cast<size_t>(plan.reach), height = strip.height;
+    const size_t column = layout.tileRows * kBlock;  // of a block of a channel
+    size_t done = 0;                                 // rows
+    const size_t blocks = (strip.end - strip.begin + kSide * kBlock - 1) / (kSide * kBlock) * kSide;
+    // Row y of the picture is row y - y0 + reach of the tile.
+    for (size_t y0 = 0; y0 < height; y0 += layout.band) {
+        const size_t count = std::min(layout.band, height - y0);
+        const auto copyRows = [&](size_t from, size_t to, size_t rows) {
+            for (size_t i = 0; i < 3 * layout.blocks; ++i) {
+                std::memmove(tile + i * column + to * kBlock, tile + i * column + from * kBlock,
+                             rows * kBlock * sizeof(uint16_t));
+            }
+        };
+        if (y0 > 0) copyRows(layout.band, 0, 2 * reach);
+        const size_t end = std::min(height, y0 + count + reach);
+        for (; done < end; ++done) {
+            layOutRow(strip, done, reach, layout, blocks, line);
+            blurLine<kReach>(line, plan, layout, blocks, tile + (done + reach - y0) * kBlock);
+        }
+        if (y0 == 0) {
+            for (size_t k = 0; k < reach; ++k) copyRows(reach, k, 1);
+        }
+        for (size_t k = height - y0; k < count + reach; ++k) {
+            copyRows(k - 1 + reach, k + reach, 1);
+        }
+        for (size_t b = 0; b * kBlock < strip.end - strip.begin; ++b) {
+            blurBlock<kReach>(tile + b * column + reach * kBlock, plan, layout, count,
+                              strip.end - strip.begin - b * kBlock,
+                              strip.pixels + y0 * strip.width + strip.begin + b * kBlock,
+                              strip.width);
+        }
+    }
+}
+
+template <size_t kReach>
+HWY_NOINLINE void blurStrips(const BitmapStruct& bitmap, const SweepPlan& plan, uint32_t* scratch) {
+    const size_t width = static_cast<size_t>(bitmap.width);
+    const size_t height = static_cast<size_t>(bitmap.height);
+    const Layout layout(plan, width, height);
+    uint16_t* line = reinterpret_cast<uint16_t*>(alignedScratch(scratch));
+    uint16_t* tile = line + 3 * layout.lineSize;
+    uint32_t* kept =
+        reinterpret_cast<uint32_t*>(tile + 3 * layout.blocks * layout.tileRows * kBlock);
+    for (size_t x = 0; x < width; x += layout.columns) {
+        const Strip strip = {bitmap.pixels, width, height, x, std::min(width, x + layout.columns),
+                             kept};
+        blurStrip<kReach>(strip, plan, layout, line, tile);
+    }
+}
+
+void blurBySweep(const BitmapStruct& bitmap, const SweepPlan& plan, uint32_t* scratch) {
+    switch (plan.reach) {
+        case 1:
+            return blurStrips<1>(bitmap, plan, scratch);
+        case 2:
+            return blurStrips<2>(bitmap, plan, scratch);
+        case 3:
+            return blurStrips<3>(bitmap, plan, scratch);
+        case 4:
+            return blurStrips<4>(bitmap, plan, scratch);
+        case 9:
+            return blurStrips<9>(bitmap, plan, scratch);
+        default:
+            return blurStrips<0>(bitmap, plan, scratch);
+    }
+}
+
+size_t sweepScratchWords(const SweepPlan& plan, size_t width, size_t height) {
+    return Layout(plan, width, height).words();
+}
+
+}  // namespace
+}  // namespace android::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace android {
+HWY_EXPORT(blurBySweep);
+HWY_EXPORT(sweepScratchWords);
+
+void blurBySweep(const BitmapStruct& bitmap, const SweepPlan& plan, uint32_t* scratch) {
+    HWY_DYNAMIC_DISPATCH(blurBySweep)(bitmap, plan, scratch);
+}
+
+size_t sweepScratchWords(const SweepPlan& plan, size_t width, size_t height) {
+    return HWY_DYNAMIC_DISPATCH(sweepScratchWords)(plan, width, height);
+}
+}  // namespace android
+#endif
