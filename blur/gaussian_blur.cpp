@@ -82,6 +82,32 @@ Method methodOf(const PassPlan& plan) {
     return {blurRowsByTaps, blurColumnsByTaps, tapScratchWords};
 }
 
+bool blurInOneSweep(BitmapStruct* bitmap, const SweepPlan& plan, size_t words) {
+    const std::unique_ptr<uint32_t[]> scratch(new (std::nothrow) uint32_t[words]);
+    if (scratch) blurBySweep(*bitmap, plan, scratch.get());
+    return scratch != nullptr;
+}
+
+bool blurInTwoPasses(BitmapStruct* bitmap, const int32_t* kernel, int32_t size, int32_t norm) {
+    const size_t cost = tapPairCost();
+    PassPlan rowPlan, columnPlan;
+    if (!makePassPlan(kernel, size, norm, bitmap->width, bitmap->height, cost, &rowPlan) ||
+        !makePassPlan(kernel, size, norm, bitmap->height, bitmap->width, cost, &columnPlan)) {
+        return false;
+    }
+    const size_t width = static_cast<size_t>(bitmap->width);
+    const size_t height = static_cast<size_t>(bitmap->height);
+    const Method rows = methodOf(rowPlan), columns = methodOf(columnPlan);
+    const size_t words = std::max(rows.scratchWords(rowPlan, width, height),
+                                  columns.scratchWords(columnPlan, height, width));
+    const std::unique_ptr<uint32_t[]> scratch(new (std::nothrow) uint32_t[words]);
+    if (!scratch) return false;
+
+    rows.blurRows(*bitmap, rowPlan, scratch.get());
+    columns.blurColumns(*bitmap, columnPlan, scratch.get());
+    return true;
+}
+
 }  // namespace
 
 bool tryGaussianBlur(BitmapStruct* bitmap, const int32_t* kernel, int32_t size, int32_t norm) {
@@ -96,33 +122,9 @@ bool tryGaussianBlur(BitmapStruct* bitmap, const int32_t* kernel, int32_t size, 
 
     SweepPlan sweep;
     if (!planSweep(kernel, size, norm, bitmap->width, bitmap->height, &sweep)) return false;
-    if (sweep.reach > 0) {
-        const size_t words = sweepScratchWords(sweep, static_cast<size_t>(bitmap->width),
-                                               static_cast<size_t>(bitmap->height));
-        if (words + 200 <= 64 * static_cast<size_t>(bitmap->width + bitmap->height + size)) {
-            const std::unique_ptr<uint32_t[]> scratch(new (std::nothrow) uint32_t[words]);
-            if (!scratch) return false;
-            blurBySweep(*bitmap, sweep, scratch.get());
-            return true;
-        }
-    }
-    const size_t cost = tapPairCost();
-    PassPlan rowPlan, columnPlan;
-    if (!makePassPlan(kernel, size, norm, bitmap->width, cost, &rowPlan) ||
-        !makePassPlan(kernel, size, norm, bitmap->height, cost, &columnPlan)) {
-        return false;
-    }
-    const size_t width = static_cast<size_t>(bitmap->width);
-    const size_t height = static_cast<size_t>(bitmap->height);
-    const Method rows = methodOf(rowPlan), columns = methodOf(columnPlan);
-    const size_t words = std::max(rows.scratchWords(rowPlan, width, height),
-                                  columns.scratchWords(columnPlan, height, width));
-    const std::unique_ptr<uint32_t[]> scratch(new (std::nothrow) uint32_t[words]);
-    if (!scratch) return false;
-
-    rows.blurRows(*bitmap, rowPlan, scratch.get());
-    columns.blurColumns(*bitmap, columnPlan, scratch.get());
-    return true;
+    const size_t words = sweepScratchWords(sweep, *bitmap);
+    return words > 0 ? blurInOneSweep(bitmap, sweep, words)
+                     : blurInTwoPasses(bitmap, kernel, size, norm);
 }
 
 void GaussianBlurEffect(BitmapStruct* bitmap, const int32_t* kernel, int32_t size, int32_t norm) {

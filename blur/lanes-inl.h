@@ -21,13 +21,22 @@ HWY_BEFORE_NAMESPACE();
 namespace android::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
+// A vector holds one pixel of each of its lanes' lines, a tile.
+using Pixels = hn::CappedTag<uint32_t, 16>;
+using PixelVector = hn::Vec<Pixels>;
+constexpr size_t kTileLines = hn::MaxLanes(Pixels());
+
+// The same bits as 16-bit numbers, twice as many.
+using Lanes = hn::Repartition<uint16_t, Pixels>;
+using LaneVector = hn::Vec<Lanes>;
+using Halves = hn::RebindToSigned<Lanes>;
+constexpr size_t kLines = hn::MaxLanes(Lanes());
+
 // Turns a square of pixels, as many on each side as a vector has lanes, over its diagonal.
-template <class D>
-HWY_INLINE void transposeBlock(D d, const uint32_t* from, size_t fromPitch, uint32_t* to,
+HWY_INLINE void transposeBlock(const uint32_t* from, size_t fromPitch, uint32_t* to,
                                size_t toPitch) {
-    using PixelVector = hn::Vec<D>;
-    constexpr size_t kTileLines = hn::MaxLanes(D());
-    const hn::Repartition<uint64_t, D> d64;
+    const Pixels d;
+    const hn::Repartition<uint64_t, Pixels> d64;
     // First 2 x 2, then 4 x 4 within each 128 bits, then the 128-bit parts.
     PixelVector row[kTileLines], two[kTileLines], four[kTileLines];
     for (size_t i = 0; i < kTileLines; ++i) row[i] = hn::LoadU(d, from + i * fromPitch);
@@ -65,15 +74,13 @@ HWY_INLINE void transposeBlock(D d, const uint32_t* from, size_t fromPitch, uint
 
 // Turns `lines` rows of `length` pixels, `step` words apart, into a tile of `lanes` words a pixel:
 // word i * lanes + l is pixel i of row l. Lanes without a row keep what they held.
-template <class D>
-HWY_INLINE void gatherRows(D d, const uint32_t* rows, size_t step, size_t lines, size_t length,
+HWY_INLINE void gatherRows(const uint32_t* rows, size_t step, size_t lines, size_t length,
                            uint32_t* tile, size_t lanes) {
-    constexpr size_t kTileLines = hn::MaxLanes(D());
     for (size_t l = 0; l < lines; l += kTileLines) {
         const size_t some = std::min(kTileLines, lines - l);
         size_t i = 0;
         for (; some == kTileLines && i + kTileLines <= length; i += kTileLines) {
-            transposeBlock(d, rows + l * step + i, step, tile + i * lanes + l, lanes);
+            transposeBlock(rows + l * step + i, step, tile + i * lanes + l, lanes);
         }
         for (; i < length; ++i) {
             for (size_t k = l; k < l + some; ++k) tile[i * lanes + k] = rows[k * step + i];
@@ -82,15 +89,13 @@ HWY_INLINE void gatherRows(D d, const uint32_t* rows, size_t step, size_t lines,
 }
 
 // The way back.
-template <class D>
-HWY_INLINE void scatterRows(D d, const uint32_t* tile, size_t lanes, size_t lines, size_t length,
+HWY_INLINE void scatterRows(const uint32_t* tile, size_t lanes, size_t lines, size_t length,
                             uint32_t* rows, size_t step) {
-    constexpr size_t kTileLines = hn::MaxLanes(D());
     for (size_t l = 0; l < lines; l += kTileLines) {
         const size_t some = std::min(kTileLines, lines - l);
         size_t i = 0;
         for (; some == kTileLines && i + kTileLines <= length; i += kTileLines) {
-            transposeBlock(d, tile + i * lanes + l, lanes, rows + l * step + i, step);
+            transposeBlock(tile + i * lanes + l, lanes, rows + l * step + i, step);
         }
         for (; i < length; ++i) {
             for (size_t k = l; k < l + some; ++k) rows[k * step + i] = tile[i * lanes + k];
@@ -106,10 +111,9 @@ HWY_INLINE void copyLines(const uint32_t* from, size_t fromPitch, size_t lines, 
 }
 
 // The quotient of each lane.
-template <class V>
-HWY_INLINE V divideByReciprocal(V sum, const Divisor& divisor) {
-    const hn::DFromV<V> d;
-    const hn::Repartition<uint64_t, hn::DFromV<V>> d64;
+HWY_INLINE PixelVector divideByReciprocal(PixelVector sum, const Divisor& divisor) {
+    const Pixels d;
+    const hn::Repartition<uint64_t, Pixels> d64;
     const auto reciprocal = hn::Set(d, divisor.reciprocal);
     const auto odd = hn::BitCast(d, hn::ShiftRight<32>(hn::BitCast(d64, sum)));
     const auto low = hn::ShiftRight<40>(hn::MulEven(sum, reciprocal));
@@ -119,28 +123,57 @@ HWY_INLINE V divideByReciprocal(V sum, const Divisor& divisor) {
 
 // The quotient of each lane in its bits 16 to 23, with anything below. Sums already hold the
 // complement when it is a near one.
-template <bool kNear, class V>
-HWY_INLINE V divide(V sum, const Divisor& divisor) {
-    using Pixels = hn::DFromV<V>;
+template <bool kNear>
+HWY_INLINE PixelVector divide(PixelVector sum, const Divisor& divisor) {
     const Pixels d;
-    constexpr bool kTwin = HWY_TARGET == HWY_AVX3_DL && hn::MaxLanes(Pixels()) < 16;
     if constexpr (!kNear) {
         return hn::ShiftLeft<16>(divideByReciprocal(sum, divisor));
-    } else if constexpr (HWY_ARCH_ARM || kTwin) {
-        const hn::Repartition<uint16_t, Pixels> d16;
-        const auto high = hn::BitCast(d16, hn::ShiftRight<16>(sum));
-        const auto complement = hn::BitCast(d16, hn::Set(d, divisor.complement));
+    } else if constexpr (HWY_ARCH_ARM) {
+        const auto high = hn::BitCast(Lanes(), hn::ShiftRight<16>(sum));
+        const auto complement = hn::BitCast(Lanes(), hn::Set(d, divisor.complement));
         return hn::Add(sum, hn::BitCast(d, hn::Mul(high, complement)));
     } else {
         // The upper half of the sum times the complement, in one multiply-add.
         const hn::RebindToSigned<Pixels> sums;
-        const hn::Repartition<int16_t, Pixels> d16;
-        const auto complement = hn::BitCast(d16, hn::Set(d, divisor.complement << 16));
+        const auto complement = hn::BitCast(Halves(), hn::Set(d, divisor.complement << 16));
         auto second = hn::Zero(sums);
-        const auto first = hn::ReorderWidenMulAccumulate(sums, hn::BitCast(d16, sum), complement,
-                                                         hn::Zero(sums), second);
+        const auto first = hn::ReorderWidenMulAccumulate(sums, hn::BitCast(Halves(), sum),
+                                                         complement, hn::Zero(sums), second);
         return hn::Add(sum, hn::BitCast(d, hn::RearrangeToOddPlusEven(first, second)));
     }
+}
+
+// The sum of a multiply-add over pairs of 16-bit numbers. Targets that add the two products of a
+// lane at once leave `second` alone, and the portable one splits them into whole lanes. ARM keeps
+// the products apart, the lower half's in `first` and the upper half's in `second`, and adds
+// neighbours in the end.
+struct SplitSum {
+    hn::Vec<hn::RebindToSigned<Pixels>> first, second;
+    HWY_INLINE void add(LaneVector pair, hn::Vec<Halves> weights) {
+        first = hn::ReorderWidenMulAccumulate(hn::RebindToSigned<Pixels>(),
+                                              hn::BitCast(Halves(), pair), weights, first, second);
+    }
+    HWY_INLINE PixelVector whole() const {
+        return hn::BitCast(Pixels(), hn::RearrangeToOddPlusEven(first, second));
+    }
+};
+
+// What a sum begins with: the complement, when it is a near one.
+template <bool kNear>
+HWY_INLINE SplitSum startOfSum(const Divisor& divisor) {
+    const hn::RebindToSigned<Pixels> d;
+    const uint32_t start = kNear ? divisor.complement : 0;
+#if HWY_ARCH_ARM
+    const auto first = hn::BitCast(d, hn::Set(hn::Repartition<uint64_t, Pixels>(), start));
+    return {first, first};
+#else
+    return {hn::BitCast(d, hn::Set(Pixels(), start)), hn::Zero(d)};
+#endif
+}
+
+// The same two weights for every pair.
+HWY_INLINE hn::Vec<Halves> weightsOf(uint32_t halves) {
+    return hn::BitCast(Halves(), hn::Set(Pixels(), halves));
 }
 
 // The first word at or behind `scratch` that starts a cache line.

@@ -1,5 +1,9 @@
 #include "blur/pass_plan.h"
 
+#include <algorithm>
+
+#include "blur/plan_support.h"
+
 namespace android {
 namespace {
 
@@ -14,8 +18,8 @@ constexpr int32_t kNarrowReach = 24;  // narrower kernels are cheaper by taps, w
 // depend on the plan: reading the line, the division, writing.
 bool stepsAreCheaper(const StepPlan& steps, const TapPlan& taps, size_t tapPairCost, int32_t length,
                      bool symmetric) {
-    const size_t tables = 1 + (steps.prefixSums ? 1 : 0) + steps.distanceCount;
-    const size_t layOut = tables * static_cast<size_t>(steps.tableRows / length);
+    const size_t layOut =
+        tableCount(steps) * static_cast<size_t>((length + 2 * steps.reach + 6) / length);
     const size_t stepCost = 18 * steps.termCount + 90 * steps.pieceCount + 15 * layOut + 1000;
     const size_t tapCost = tapPairCost * taps.pairs * taps.rounds * (symmetric ? 6 : 10) / 10 + 600;
     return stepCost < tapCost;
@@ -29,7 +33,7 @@ Divisor divisorOf(int32_t norm) {
             static_cast<uint32_t>(((uint64_t{1} << 40) + divisor - 1) / divisor)};
 }
 
-bool makePassPlan(const int32_t* kernel, int32_t size, int32_t norm, int32_t length,
+bool makePassPlan(const int32_t* kernel, int32_t size, int32_t norm, int32_t length, int32_t lines,
                   size_t tapPairCost, PassPlan* plan) {
     FoldedKernel folded;
     plan->divisor = divisorOf(norm);
@@ -39,7 +43,12 @@ bool makePassPlan(const int32_t* kernel, int32_t size, int32_t norm, int32_t len
         return false;
     }
     if (folded.reach < kNarrowReach) return true;
-    if (!planSteps(folded, length, &plan->steps)) return false;
+    // In rows of 32 lanes of 16 bits, beside a tile of 32 lines.
+    const size_t taps = static_cast<size_t>(size), pixels = static_cast<size_t>(length);
+    const size_t words =
+        memoryBound(pixels, static_cast<size_t>(lines), taps) - kPlanWords * taps - 32 * pixels;
+    const int32_t room = static_cast<int32_t>(std::min<size_t>(words / 16, INT32_MAX));
+    if (!planSteps(folded, length, room, &plan->steps)) return false;
     if (plan->bySteps() &&
         !stepsAreCheaper(plan->steps, plan->taps, tapPairCost, length, plan->bySymmetricTaps())) {
         plan->steps = StepPlan();

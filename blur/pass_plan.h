@@ -43,8 +43,9 @@ struct PassPlan {
 };
 
 // Makes the cheapest plan for lines of `length` pixels under a plain kernel (isPlainKernel), where
-// a pair of taps costs `tapPairCost` (blur/tap_blur.h); false when memory cannot be had.
-bool makePassPlan(const int32_t* kernel, int32_t size, int32_t norm, int32_t length,
+// a pair of taps costs `tapPairCost` (blur/tap_blur.h) and `lines` of them make the picture; false
+// when memory cannot be had.
+bool makePassPlan(const int32_t* kernel, int32_t size, int32_t norm, int32_t length, int32_t lines,
                   size_t tapPairCost, PassPlan* plan);
 
 }  // namespace android

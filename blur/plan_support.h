@@ -7,6 +7,13 @@
 
 namespace android {
 
+// The 32-bit words that a blur may hold besides the picture: 64 for each row, column and tap. The
+// plans take at most kPlanWords of them a tap, the passes' scratch the rest.
+inline size_t memoryBound(size_t rows, size_t columns, size_t taps) {
+    return 64 * (rows + columns + taps);
+}
+constexpr size_t kPlanWords = 16;
+
 // Gives `array` room for `count` zeros; false when memory cannot be had.
 template <typename T>
 bool allocate(std::unique_ptr<T[]>& array, size_t count) {

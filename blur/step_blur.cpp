@@ -1,5 +1,6 @@
 #include "blur/step_blur.h"
 
+#include <cstring>
 #include <type_traits>
 
 #undef HWY_TARGET_INCLUDE
@@ -23,15 +24,6 @@ HWY_BEFORE_NAMESPACE();
 namespace android::HWY_NAMESPACE {
 namespace {
 
-// A vector holds one pixel of each of its lanes' lines. Vectors twice as wide would be a
-// sixth faster, but take tables twice as large: more memory than a blur may hold.
-using Pixels = hn::CappedTag<uint32_t, 8>;
-using PixelVector = hn::Vec<Pixels>;
-constexpr size_t kTileLines = hn::MaxLanes(Pixels());
-
-using Lanes = hn::Repartition<uint16_t, Pixels>;  // twice the lines of a tile
-using LaneVector = hn::Vec<Lanes>;
-constexpr size_t kLines = hn::MaxLanes(Lanes());
 constexpr size_t kOutputs = kStepOutputs;
 
 // The lanes of two tiles' vectors, in two vectors or in one: sums of 32 bits and values of 16.
@@ -49,8 +41,7 @@ HWY_INLINE WideVector widen(LaneVector lanes) {
 
 HWY_INLINE LaneVector narrow(WideVector wide) {
     const hn::RebindToSigned<Pixels> di;
-    const hn::RebindToSigned<Lanes> di16;
-    return hn::BitCast(Lanes(), hn::ReorderDemote2To(di16, hn::BitCast(di, wide.lower),
+    return hn::BitCast(Lanes(), hn::ReorderDemote2To(Halves(), hn::BitCast(di, wide.lower),
                                                      hn::BitCast(di, wide.upper)));
 }
 
@@ -82,38 +73,51 @@ HWY_INLINE void putChannel(WideVector sum, const Divisor& divisor, uint32_t* wor
 // Whether terms that meet the border alone are left out (Window).
 HWY_INLINE bool hasWindow(const StepPlan& plan) { return plan.pieceCount == 1; }
 
-// Lays out the bytes of one channel with their borders, then their prefix sums.
+// The first and the last pixel of the lines, which repeat in front and behind.
+struct Ends {
+    LaneVector first, last;
+};
+
+// Lays out rows `kept` to tableRows - 1 of the tables of one channel, where row 0 is row `base` of
+// the bordered line. The rows below `kept` are there already.
 template <int kChannel>
 HWY_INLINE void layOut(const uint32_t* lines, size_t step, size_t length, const StepPlan& plan,
-                       uint16_t* tables) {
+                       const Ends& ends, size_t base, size_t kept, uint16_t* tables) {
     const Lanes d16;
     const size_t border = static_cast<size_t>(plan.border);
     const size_t tableRows = static_cast<size_t>(plan.tableRows);
-    for (size_t i = 0; i < length; ++i) {
-        hn::Store(channelOf<kChannel>(lines + i * step), d16, tables + (border + i) * kLines);
-    }
-    const auto first = hn::Load(d16, tables + border * kLines);
-    const auto last = hn::Load(d16, tables + (border + length - 1) * kLines);
     // Where only pixels are taken, a window leaves out what lies farther away than an output's
     // neighbours.
-    const bool far = plan.prefixSums || plan.distanceCount > 0 || !hasWindow(plan);
-    const size_t before = far ? border : std::min(border, kOutputs);
-    const size_t behind = far ? tableRows : border + length + kOutputs;
-    for (size_t i = border - before; i < border; ++i) hn::Store(first, d16, tables + i * kLines);
-    for (size_t i = border + length; i < behind; ++i) hn::Store(last, d16, tables + i * kLines);
-    auto sum = hn::Zero(d16);
-    for (size_t i = 0; plan.prefixSums && i < tableRows; ++i) {
-        sum = hn::Add(sum, hn::Load(d16, tables + i * kLines));
-        hn::Store(sum, d16, tables + (tableRows + i) * kLines);
+    const bool far = tableCount(plan) > 1 || !hasWindow(plan);
+    const auto local = [&](size_t row) {
+        return std::min(std::max(row, base + kept) - base, tableRows);
+    };
+    size_t i = far ? kept : local(border - std::min(border, kOutputs));
+    for (const size_t end = local(border); i < end; ++i) {
+        hn::Store(ends.first, d16, tables + i * kLines);
+    }
+    for (const size_t end = local(border + length); i < end; ++i) {
+        hn::Store(channelOf<kChannel>(lines + (base + i - border) * step), d16,
+                  tables + i * kLines);
+    }
+    for (const size_t end = far ? tableRows : local(border + length + kOutputs); i < end; ++i) {
+        hn::Store(ends.last, d16, tables + i * kLines);
     }
     for (size_t t = 0; t < plan.distanceCount; ++t) {
         const size_t distance = static_cast<size_t>(plan.distances[t]);
-        uint16_t* table = tables + (2 + t) * tableRows * kLines;
-        for (size_t i = 0; i + distance < tableRows; ++i) {
+        uint16_t* table = tables + (1 + t) * tableRows * kLines;
+        for (i = std::max(kept, distance) - distance; i + distance < tableRows; ++i) {
             const auto early = hn::Load(d16, tables + i * kLines);
             const auto late = hn::Load(d16, tables + (i + distance) * kLines);
             hn::Store(hn::Add(early, late), d16, table + i * kLines);
         }
+    }
+    if (!plan.prefixSums) return;
+    uint16_t* const sums = tables + (1 + plan.distanceCount) * tableRows * kLines;
+    auto sum = kept > 0 ? hn::Load(d16, sums + (kept - 1) * kLines) : hn::Zero(d16);
+    for (i = kept; i < tableRows; ++i) {
+        sum = hn::Add(sum, hn::Load(d16, tables + i * kLines));
+        hn::Store(sum, d16, sums + i * kLines);
     }
 }
 
@@ -173,10 +177,11 @@ HWY_INLINE void moveWindow(const StepPlan& plan, size_t length, size_t y, Window
 }
 
 // What kOutputs sums of a piece grow by: parts[o] is output y + o's, from 0 to 65535 with the bias.
-HWY_INLINE void partsOf(const StepPlan& plan, const StepPiece& piece, const uint16_t* tables,
-                        size_t length, size_t y, Window& window, LaneVector parts[kOutputs]) {
+// `first` is the row of the tables that output y's terms count from.
+HWY_INLINE void partsOf(const StepPlan& plan, const StepPiece& piece, const uint16_t* first,
+                        const Ends& ends, size_t length, size_t y, Window& window,
+                        LaneVector parts[kOutputs]) {
     const Lanes d16;
-    const uint16_t* const first = tables + y * kLines;
     const auto forTerms = [&](size_t begin, size_t end, auto operation) HWY_ATTR {
         for (size_t t = begin; t < end; ++t) {
             const StepTerm& term = plan.terms[t];
@@ -203,13 +208,10 @@ HWY_INLINE void partsOf(const StepPlan& plan, const StepPiece& piece, const uint
         return;
     }
     moveWindow(plan, length, y, window);
-    const size_t border = static_cast<size_t>(plan.border);
-    const auto times = [&](size_t row, uint32_t weight) HWY_ATTR {
-        return hn::Mul(hn::Load(d16, tables + row * kLines),
-                       hn::Set(d16, static_cast<uint16_t>(weight)));
+    const auto times = [&](LaneVector pixels, uint32_t weight) HWY_ATTR {
+        return hn::Mul(pixels, hn::Set(d16, static_cast<uint16_t>(weight)));
     };
-    const auto beyond =
-        hn::Add(times(border, window.before), times(border + length - 1, window.behind));
+    const auto beyond = hn::Add(times(ends.first, window.before), times(ends.last, window.behind));
     for (size_t o = 0; o < kOutputs; ++o) parts[o] = hn::Add(parts[o], beyond);
     forTerms(piece.added.begin, piece.added.pixels, add);
     forTerms(window.near[0].pixels, window.near[0].end, add);
@@ -220,15 +222,16 @@ HWY_INLINE void partsOf(const StepPlan& plan, const StepPiece& piece, const uint
 }
 
 // The differences of kOutputs sums to the ones before them, from output `y` on.
-HWY_INLINE void differencesOf(const StepPlan& plan, const uint16_t* tables, size_t length, size_t y,
-                              Window& window, WideVector difference[kOutputs]) {
+HWY_INLINE void differencesOf(const StepPlan& plan, const uint16_t* first, const Ends& ends,
+                              size_t length, size_t y, Window& window,
+                              WideVector difference[kOutputs]) {
     const Pixels d;
     for (size_t o = 0; o < kOutputs; ++o) {
         difference[o].lower = difference[o].upper = hn::Set(d, 0u - plan.bias);
     }
     for (size_t p = 0; p < plan.pieceCount; ++p) {
         LaneVector parts[kOutputs];
-        partsOf(plan, plan.pieces[p], tables, length, y, window, parts);
+        partsOf(plan, plan.pieces[p], first, ends, length, y, window, parts);
         for (size_t o = 0; o < kOutputs; ++o) {
             const WideVector wide = widen(parts[o]);
             difference[o].lower = hn::Add(difference[o].lower, wide.lower);
@@ -240,21 +243,36 @@ HWY_INLINE void differencesOf(const StepPlan& plan, const uint16_t* tables, size
 template <bool kNear, int kChannel>
 HWY_INLINE void blurChannel(uint32_t* lines, size_t step, size_t length, const PassPlan& plan,
                             uint16_t* tables) {
-    layOut<kChannel>(lines, step, length, plan.steps, tables);
-    WideVector sum = firstSum(plan.steps, tables);
+    const StepPlan& steps = plan.steps;
+    const size_t chunk = static_cast<size_t>(steps.chunk);
+    const size_t tableRows = static_cast<size_t>(steps.tableRows), kept = tableRows - chunk;
+    const Ends ends = {channelOf<kChannel>(lines),
+                       channelOf<kChannel>(lines + (length - 1) * step)};
+    layOut<kChannel>(lines, step, length, steps, ends, 0, 0, tables);
+    WideVector sum = firstSum(steps, tables);
     if (kNear) {
         const auto complement = hn::Set(Pixels(), plan.divisor.complement);
         sum = {hn::Add(sum.lower, complement), hn::Add(sum.upper, complement)};
     }
     putChannel<kNear, kChannel>(sum, plan.divisor, lines);
-    Window window = windowOf(plan.steps);
-    for (size_t y = 1; y < length; y += kOutputs) {
-        WideVector difference[kOutputs];
-        differencesOf(plan.steps, tables, length, y, window, difference);
-        for (size_t o = 0; o < kOutputs && y + o < length; ++o) {
-            sum.lower = hn::Add(sum.lower, difference[o].lower);
-            sum.upper = hn::Add(sum.upper, difference[o].upper);
-            putChannel<kNear, kChannel>(sum, plan.divisor, lines + (y + o) * step);
+    Window window = windowOf(steps);
+    for (size_t base = 0; base + 1 < length; base += chunk) {
+        if (base > 0) {
+            for (size_t t = 0; t < tableCount(steps); ++t) {
+                uint16_t* const table = tables + t * tableRows * kLines;
+                std::memmove(table, table + chunk * kLines, kept * kLines * sizeof(uint16_t));
+            }
+            layOut<kChannel>(lines, step, length, steps, ends, base, kept, tables);
+        }
+        const size_t end = std::min(length, base + chunk + 1);
+        for (size_t y = base + 1; y < end; y += kOutputs) {
+            WideVector difference[kOutputs];
+            differencesOf(steps, tables + (y - base) * kLines, ends, length, y, window, difference);
+            for (size_t o = 0; o < kOutputs && y + o < length; ++o) {
+                sum.lower = hn::Add(sum.lower, difference[o].lower);
+                sum.upper = hn::Add(sum.upper, difference[o].upper);
+                putChannel<kNear, kChannel>(sum, plan.divisor, lines + (y + o) * step);
+            }
         }
     }
 }
@@ -278,9 +296,9 @@ void blurRowsBySteps(const BitmapStruct& bitmap, const PassPlan& plan, uint32_t*
     for (size_t y = 0; y < height; y += kLines) {
         const size_t lines = std::min(kLines, height - y);
         uint32_t* from = bitmap.pixels + y * width;
-        gatherRows(Pixels(), from, width, lines, width, tile, kLines);
+        gatherRows(from, width, lines, width, tile, kLines);
         blurLines(tile, kLines, width, plan, tables);
-        scatterRows(Pixels(), tile, kLines, lines, width, from, width);
+        scatterRows(tile, kLines, lines, width, from, width);
     }
 }
 
@@ -298,7 +316,7 @@ void blurColumnsBySteps(const BitmapStruct& bitmap, const PassPlan& plan, uint32
 }
 
 size_t stepScratchWords(const PassPlan& plan, size_t length, size_t) {
-    const size_t rows = (2 + plan.steps.distanceCount) * static_cast<size_t>(plan.steps.tableRows);
+    const size_t rows = tableCount(plan.steps) * static_cast<size_t>(plan.steps.tableRows);
     return 16 + length * kLines + rows * kLines / 2;
 }
 

@@ -10,6 +10,7 @@ namespace android {
 namespace {
 
 constexpr int32_t kWidestDistance = 16;  // of two pixels whose sum is a term
+constexpr int32_t kCachedRows = 16384;   // of 64 bytes that a second-level cache holds
 
 // Difference j, from 0 to count - 1, is what the pixel j - reach - 1 away from the later one of two
 // outputs weighs in that one, less what it weighs in the earlier one.
@@ -107,45 +108,48 @@ void walkResiduals(const Differences& differences, size_t begin, size_t end, Wan
     if (weight != 0) single(row, weight);
 }
 
-// Gives tables to the distances that save the most terms.
-void chooseDistances(const Differences& differences, StepPlan* plan) {
+// Gives tables to the distances that save the most terms, at most `most` of them.
+void chooseDistances(const Differences& differences, size_t most, StepPlan* plan) {
     int32_t uses[kWidestDistance + 1] = {};
     walkResiduals(
         differences, 0, differences.count, [](int32_t) { return true; },
         [&](int32_t, int32_t distance, int32_t) { ++uses[distance]; }, [](int32_t, int32_t) {});
-    while (plan->distanceCount < kMaxDistances) {
-        int32_t* most = std::max_element(uses, uses + kWidestDistance + 1);
-        if (*most == 0) return;
-        plan->distances[plan->distanceCount++] = static_cast<int32_t>(most - uses);
-        *most = 0;
+    while (plan->distanceCount < most) {
+        int32_t* use = std::max_element(uses, uses + kWidestDistance + 1);
+        if (*use == 0) return;
+        plan->distances[plan->distanceCount++] = static_cast<int32_t>(use - uses);
+        *use = 0;
     }
 }
 
-// The number of the table for `distance`; the number of tables when it has none.
+// The rows that one output takes, of a table.
+int32_t spanOf(const StepPlan& plan) { return 2 * plan.reach + 3; }
+
+// The number of the table for `distance`; that of the prefix sums' when it has none.
 size_t distanceTable(int32_t distance, const StepPlan& plan) {
     const int32_t* const end = plan.distances + plan.distanceCount;
-    return 2 + static_cast<size_t>(std::find(plan.distances, end, distance) - plan.distances);
+    return 1 + static_cast<size_t>(std::find(plan.distances, end, distance) - plan.distances);
 }
 
+// Tables are spanOf() rows apart until placeTerms() knows better.
 void addTerm(size_t table, int32_t row, int32_t weight, StepPlan* plan) {
     if (weight == 0) return;
-    plan->terms[plan->termCount++] = {static_cast<int32_t>(table) * plan->tableRows + row,
+    plan->terms[plan->termCount++] = {static_cast<int32_t>(table) * spanOf(*plan) + row,
                                       halves(weight, weight)};
-    plan->prefixSums |= table == 1;
+    plan->prefixSums |= table > plan->distanceCount;
 }
 
 void addTerms(const Differences& differences, size_t begin, size_t end, StepPlan* plan) {
+    const size_t prefixSums = 1 + plan->distanceCount;
     int32_t slope = 0;
     for (size_t j = begin; j < end; ++j) {
-        addTerm(1, static_cast<int32_t>(j), slope - differences.slope[j], plan);
+        addTerm(prefixSums, static_cast<int32_t>(j), slope - differences.slope[j], plan);
         slope = differences.slope[j];
     }
-    addTerm(1, static_cast<int32_t>(end), slope, plan);
+    addTerm(prefixSums, static_cast<int32_t>(end), slope, plan);
     walkResiduals(
         differences, begin, end,
-        [plan](int32_t distance) {
-            return distanceTable(distance, *plan) < 2 + plan->distanceCount;
-        },
+        [plan](int32_t distance) { return distanceTable(distance, *plan) <= plan->distanceCount; },
         [plan](int32_t row, int32_t distance, int32_t weight) {
             addTerm(distanceTable(distance, *plan), row, weight, plan);
         },
@@ -158,7 +162,7 @@ void sortTerms(size_t first, StepPlan* plan, StepPiece* piece) {
     const auto kindOf = [](const StepTerm& term) {
         return term.weight == halves(1, 1) ? 0 : term.weight == halves(-1, -1) ? 1 : 2;
     };
-    const auto isPixel = [plan](const StepTerm& term) { return term.row < plan->tableRows; };
+    const auto isPixel = [plan](const StepTerm& term) { return term.row < spanOf(*plan); };
     StepTerm* const terms = plan->terms.get();
     std::sort(terms + first, terms + plan->termCount, [&](const StepTerm& a, const StepTerm& b) {
         return std::tuple(kindOf(a), isPixel(a), a.row) < std::tuple(kindOf(b), isPixel(b), b.row);
@@ -194,9 +198,22 @@ void addPiece(const Differences& differences, size_t begin, size_t end, StepPlan
     plan->bias += static_cast<uint32_t>(bias);
 }
 
+// Decides how many rows of the tables are laid out at a time, and lets the terms' rows count them.
+void placeTerms(int32_t length, int32_t room, StepPlan* plan) {
+    const int32_t span = spanOf(*plan), tables = static_cast<int32_t>(tableCount(*plan));
+    const int32_t outputs = (length - 1 + kStepOutputs - 1) / kStepOutputs * kStepOutputs;
+    const int32_t rows = std::min(room, std::max(kCachedRows, 2 * span * tables)) / tables;
+    plan->chunk = std::min(outputs, (rows - span) / kStepOutputs * kStepOutputs);
+    plan->tableRows = span + plan->chunk;
+    for (size_t t = 0; t < plan->termCount; ++t) {
+        int32_t& row = plan->terms[t].row;
+        row = row / span * plan->tableRows + row % span;
+    }
+}
+
 }  // namespace
 
-bool planSteps(const FoldedKernel& kernel, int32_t length, StepPlan* plan) {
+bool planSteps(const FoldedKernel& kernel, int32_t length, int32_t room, StepPlan* plan) {
     const int32_t reach = kernel.reach;
     Differences differences;
     if (!makeDifferences(kernel, length, &differences)) return false;
@@ -206,17 +223,13 @@ bool planSteps(const FoldedKernel& kernel, int32_t length, StepPlan* plan) {
         total += std::abs(differences.difference[j]);
         largest = std::max(largest, std::abs(differences.difference[j]));
     }
-    // The last row that an output takes is that of the prefix sum behind its last difference,
-    // 2 reach + 2 rows on; and the last output that is computed is length + kStepOutputs - 2.
-    const int64_t border = int64_t{reach} + 2;
-    const int64_t tableRows = border + length + reach + kStepOutputs;
-    // Rows are counted in 32 bits, over all tables.
-    if (largest > kStepPieceSpan || tableRows * (2 + int64_t{kMaxDistances}) > INT32_MAX) {
-        return true;
-    }
+    // The rows that one output takes, from the one in front of the first difference to the one
+    // behind the last, and as many again for a chunk, so that moving the tables on costs little.
+    const int64_t taken = 2 * int64_t{reach} + 3;
+    const int64_t leastRows = taken + std::min<int64_t>(taken, length + kStepOutputs);
+    if (largest > kStepPieceSpan || 2 * leastRows > room) return true;
     plan->reach = reach;
-    plan->border = static_cast<int32_t>(border);
-    plan->tableRows = static_cast<int32_t>(tableRows);
+    plan->border = reach + 2;
     // A piece is closed when the next difference does not fit, so two neighbours exceed the span.
     const size_t pieces = static_cast<size_t>(2 * total / kStepPieceSpan) + 2;
     // A difference gives two terms at most, and each piece ends with one more.
@@ -229,7 +242,8 @@ bool planSteps(const FoldedKernel& kernel, int32_t length, StepPlan* plan) {
         plan->start[static_cast<size_t>(std::max(i - reach, 0))] +=
             static_cast<uint32_t>(kernel.weights[static_cast<size_t>(i)]);
     }
-    chooseDistances(differences, plan);
+    const size_t tables = static_cast<size_t>(room / leastRows) - 2;
+    chooseDistances(differences, std::min(kMaxDistances, tables), plan);
     size_t begin = 0;
     int32_t span = 0;
     for (size_t j = 0; j < differences.count; ++j) {
@@ -242,6 +256,7 @@ bool planSteps(const FoldedKernel& kernel, int32_t length, StepPlan* plan) {
         span += amount;
     }
     addPiece(differences, begin, differences.count, plan);
+    placeTerms(length, room, plan);
     return true;
 }
 

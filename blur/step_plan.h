@@ -39,8 +39,10 @@ namespace android {
 // 255 (P + N) <= 255 * 257 = 65535. The pieces are widened to 32 bits, added up, and their biases
 // taken off together. A piece owns its terms: its prefix sums begin and end within it.
 //
-// The tables lie behind each other, `tableRows` rows each: the pixels with their borders, their
-// prefix sums, and for each distance d that is worth it the sums of row i and row i + d.
+// The tables lie behind each other, `tableRows` rows each: the pixels with their borders, for each
+// distance d that is worth it the sums of row i and row i + d, and the prefix sums if a term takes
+// one. A long line does not have all of its rows in them at a time: they are a window that moves on
+// by `chunk` outputs, which keeps the tables in the cache and the memory in its bound.
 //
 // Sums of pixels up to a place are what graphics calls a summed-area table (Crow, "Summed-Area
 // Tables for Texture Mapping", 1984), here along a line; taking a filter by its differences of some
@@ -72,10 +74,11 @@ struct StepPiece {
 struct StepPlan {
     int32_t reach;
     int32_t border;     // rows in front of the first pixel: pixel i of the line is row border + i
-    int32_t tableRows;  // of one table: the pixels, what repeats in front of them and behind them
-    int32_t distances[kMaxDistances];  // of the tables behind the first two
+    int32_t tableRows;  // of one table that are laid out at a time
+    int32_t chunk;      // outputs that these serve; a multiple of kStepOutputs
+    int32_t distances[kMaxDistances];  // of the tables behind the first one
     size_t distanceCount = 0;
-    bool prefixSums = false;            // whether a term takes one
+    bool prefixSums = false;            // whether a term takes one: then they are the last table
     std::unique_ptr<uint32_t[]> start;  // weights of the pixels 0 ... reach in output 0
     std::unique_ptr<StepTerm[]> terms;
     size_t termCount = 0;
@@ -84,9 +87,14 @@ struct StepPlan {
     uint32_t bias = 0;  // of all pieces together
 };
 
-// Makes the plan of a kernel folded for lines of `length` pixels; false when memory cannot be had.
-// Without terms when the kernel has none that fit: a difference larger than a piece's span, or more
-// rows than 32 bits count.
-bool planSteps(const FoldedKernel& kernel, int32_t length, StepPlan* plan);
+// The tables of a plan.
+inline size_t tableCount(const StepPlan& plan) {
+    return 1 + plan.distanceCount + (plan.prefixSums ? 1 : 0);
+}
+
+// Makes the plan of a kernel folded for lines of `length` pixels, with at most `room` rows in all
+// tables together; false when memory cannot be had. Without terms when the kernel has none that
+// fit: a difference larger than a piece's span, or more rows than there is room for.
+bool planSteps(const FoldedKernel& kernel, int32_t length, int32_t room, StepPlan* plan);
 
 }  // namespace android

@@ -10,6 +10,7 @@
 #include "hwy/highway.h"
 //
 #include "blur/lanes-inl.h"
+#include "blur/plan_support.h"
 
 // Carries out a sweep plan (blur/sweep_plan.h). The picture is taken in strips of columns, from
 // left to right, each from the top to the bottom a band of rows at a time:
@@ -26,74 +27,49 @@ HWY_BEFORE_NAMESPACE();
 namespace android::HWY_NAMESPACE {
 namespace {
 
-using Pixels = hn::CappedTag<uint32_t, 16>;
-using PixelVector = hn::Vec<Pixels>;
-using Lanes = hn::Repartition<uint16_t, Pixels>;
-using LaneVector = hn::Vec<Lanes>;
-using Halves = hn::Repartition<int16_t, Pixels>;
-using Sums = hn::RebindToSigned<Pixels>;
-using SumVector = hn::Vec<Sums>;
-
-constexpr size_t kWords = hn::MaxLanes(Pixels());
-constexpr size_t kBlock = hn::MaxLanes(Lanes());  // pixels of a channel in a vector
-constexpr bool kManyRegisters = kWords == 16 || HWY_ARCH_ARM;
+constexpr bool kManyRegisters = kTileLines == 16 || HWY_ARCH_ARM;
 constexpr size_t kSide = kManyRegisters ? 2 : 1;  // blocks of a row taken together
 constexpr size_t kRows = kManyRegisters ? 4 : 2;  // rows of a block taken together
 constexpr size_t kStrip = 512;                    // columns of a strip
 constexpr size_t kBand = 64;                      // rows of a band
 constexpr size_t kAhead = 4;                      // rows fetched ahead
 
-HWY_INLINE hn::Vec<Halves> both(uint32_t weights) {
-    return hn::BitCast(Halves(), hn::Set(Pixels(), weights));
-}
+constexpr size_t kBlock = kLines;  // pixels of a channel in a vector
+// Beyond it symmetric taps are faster, from few registers on sooner.
+constexpr int32_t kWidestReach = kManyRegisters ? 19 : 9;
 
-struct SplitSum {
-    SumVector first, second;
-    HWY_INLINE void add(hn::Vec<Halves> pair, hn::Vec<Halves> weights) {
-        first = hn::ReorderWidenMulAccumulate(Sums(), pair, weights, first, second);
-    }
-    HWY_INLINE PixelVector quotient(const Divisor& divisor) const {
-        return divide<true>(hn::BitCast(Pixels(), hn::RearrangeToOddPlusEven(first, second)),
-                            divisor);
-    }
-};
-
-HWY_INLINE SplitSum startOfSum(const Divisor& divisor) {
-#if HWY_ARCH_ARM
-    const auto first =
-        hn::BitCast(Sums(), hn::Set(hn::Repartition<uint64_t, Pixels>(), divisor.complement));
-    return {first, first};
-#else
-    return {hn::BitCast(Sums(), hn::Set(Pixels(), divisor.complement)), hn::Zero(Sums())};
-#endif
+HWY_INLINE PixelVector quotientOf(const SplitSum& sum, const Divisor& divisor) {
+    return divide<true>(sum.whole(), divisor);
 }
 
 // Where things lie in the scratch, in 16-bit units, for strips of `columns` columns at most.
 struct Layout {
-    size_t blocks;     // of a strip
-    size_t front;      // places of the line in front of the strip's first pixel
-    size_t lineSize;   // of a plane of the line
-    size_t band;       // rows
-    size_t tileRows;   // rows of a block of a channel
-    size_t keptWords;  // 32-bit words: the pixels kept for the next strip
-    size_t strips;
-    size_t columns;  // of every strip but the last
+    size_t strips, columns;  // of every strip but the last, which has fewer
+    size_t blocks;           // of a strip
+    size_t front;            // places of the line in front of the strip's first pixel
+    size_t lineSize;         // of a plane of the line
+    size_t band;             // rows
+    size_t column;           // the rows of a block of a channel in the tile
+    size_t channel;          // of the tile
+    size_t height;
 
-    HWY_INLINE Layout(const SweepPlan& plan, size_t width, size_t height) {
+    HWY_INLINE Layout(const SweepPlan& plan, size_t width, size_t rows) : height(rows) {
+        const auto whole = [](size_t size, size_t unit) { return (size + unit - 1) / unit * unit; };
         const size_t reach = static_cast<size_t>(plan.reach);
-        const size_t unit = kSide * kBlock;
         strips = (width + kStrip - 1) / kStrip;
-        columns = ((width + strips - 1) / strips + unit - 1) / unit * unit;
+        columns = whole((width + strips - 1) / strips, kSide * kBlock);
         strips = (width + columns - 1) / columns;
         blocks = columns / kBlock;
-        front = (reach + kBlock - 1) / kBlock * kBlock;
-        lineSize = front + columns + reach / kBlock * kBlock + kBlock;
-        band = std::min((height + kRows - 1) / kRows * kRows, std::max(kBand, 2 * reach));
-        tileRows = (band + 2 * reach) | 1;  // odd, so that columns do not collide in the cache
-        keptWords = strips > 1 ? height * reach : 0;
+        front = whole(reach, kBlock);
+        lineSize = front + columns + whole(reach + 1, kBlock);
+        band = std::min(whole(height, kRows), std::max(kBand, 2 * reach));
+        column =
+            ((band + 2 * reach) | 1) * kBlock;  // odd, so that they do not collide in the cache
+        channel = blocks * column;
     }
+    HWY_INLINE size_t keptWords() const { return strips > 1 ? height * front : 0; }
     HWY_INLINE size_t words() const {
-        return 16 + (3 * lineSize + 3 * blocks * tileRows * kBlock) / 2 + keptWords;
+        return 16 + keptWords() + 3 * (lineSize + channel) * sizeof(uint16_t) / sizeof(uint32_t);
     }
 };
 
@@ -102,7 +78,7 @@ struct Strip {
     size_t width;      // of the picture
     size_t height;
     size_t begin, end;  // columns
-    uint32_t* kept;     // reach words a row
+    uint32_t* kept;     // `front` words a row: the pixels in front of the next strip
 };
 
 // Puts two vectors of pixel words into the planes at `line`, from place `x` on.
@@ -116,79 +92,76 @@ HWY_INLINE void putPlanes(PixelVector low, PixelVector high, uint16_t* line, siz
     hn::StoreU(hn::And(blueAlpha, byte), d16, line + 2 * lineSize);
 }
 
-// Lays out row `y` of the strip with `reach` pixels on either side and what fills the last block
-// up. Place kBlock of a plane is the strip's first pixel.
-HWY_INLINE void layOutRow(const Strip& strip, size_t y, size_t reach, const Layout& layout,
-                          size_t blocks, uint16_t* line) {
+// Lays out row `y` of the strip in planes: `front` pixels in front of it, its blocks, and what
+// these need behind it. Beyond the picture its edge pixel repeats.
+HWY_INLINE void layOutRow(const Strip& strip, size_t y, size_t blocks, size_t reach,
+                          const Layout& layout, uint16_t* line) {
     const Pixels d;
-    const uint32_t* row = strip.pixels + y * strip.width;
-    const uint32_t* ahead = row + std::min(kAhead, strip.height - 1 - y) * strip.width;
+    const uint32_t* const row = strip.pixels + y * strip.width;
+    const uint32_t* const ahead = row + std::min(kAhead, strip.height - 1 - y) * strip.width;
     for (size_t x = strip.begin; x < strip.end; x += 16) hwy::Prefetch(ahead + x);
 
-    HWY_ALIGN uint32_t edge[2 * kWords];
-    static_assert(2 * kWords == kBlock);
-    uint32_t* kept = strip.kept + y * reach;
-    uint16_t* const first = line + layout.front;
-    const auto single = [&](ptrdiff_t place, uint32_t pixel) {
-        for (int c = 0; c < 3; ++c) {
-            first[static_cast<ptrdiff_t>(c) * static_cast<ptrdiff_t>(layout.lineSize) + place] =
-                static_cast<uint16_t>(pixel >> 8 * c & 0xFF);
-        }
+    const auto put = [&](size_t place, const uint32_t* from) HWY_ATTR {
+        putPlanes(hn::LoadU(d, from), hn::LoadU(d, from + kTileLines), line + place,
+                  layout.lineSize);
     };
-    for (size_t i = 0; i < reach; ++i) {
-        single(-static_cast<ptrdiff_t>(reach - i), strip.begin == 0 ? row[0] : kept[i]);
+    uint32_t* const kept = strip.kept + y * layout.front;
+    for (size_t place = 0; place < layout.front; place += kBlock) {
+        if (strip.begin > 0) {
+            put(place, kept + place);
+        } else {
+            const auto first = hn::Set(d, row[0]);
+            putPlanes(first, first, line + place, layout.lineSize);
+        }
     }
-    if (strip.end < strip.width) std::copy_n(row + strip.end - reach, reach, kept);
+    if (strip.end < strip.width) std::copy_n(row + strip.end - layout.front, layout.front, kept);
 
-    const size_t places = blocks * kBlock + reach + 1;  // from the first pixel on
-    const size_t have = strip.width - strip.begin;
+    const size_t places = blocks * kBlock + reach + 1, have = strip.width - strip.begin;
     size_t x = 0;
-    for (; x < places && x + kBlock <= have; x += kBlock) {
-        const uint32_t* from = row + strip.begin + x;
-        putPlanes(hn::LoadU(d, from), hn::LoadU(d, from + kWords), first + x, layout.lineSize);
-    }
+    for (; x < places && x + kBlock <= have; x += kBlock)
+        put(layout.front + x, row + strip.begin + x);
     for (; x < places; x += kBlock) {
-        const size_t some = x < have ? std::min(kBlock, have - x) : 0;
-        std::copy_n(row + strip.begin + x, some, edge);
+        HWY_ALIGN uint32_t edge[kBlock];
+        const size_t some = x < have ? have - x : 0;
+        std::copy_n(row + strip.width - some, some, edge);
         std::fill(edge + some, edge + kBlock, row[strip.width - 1]);
-        putPlanes(hn::Load(d, edge), hn::Load(d, edge + kWords), first + x, layout.lineSize);
+        put(layout.front + x, edge);
     }
 }
 
-// In a vector of 16-bit lanes, brings pixels 0 to 3 and kWords to kWords + 3 into the first 128
-// bits, the next four of each into the second, so that interleaving the lower and upper halves of
-// these gives words in the order of the pixels.
+// In a vector of 16-bit lanes, brings pixels 0 to 3 and kTileLines to kTileLines + 3 into the first
+// 128 bits, the next four of each into the second, so that interleaving the lower and upper halves
+// of these gives words in the order of the pixels.
 HWY_INLINE LaneVector deal(LaneVector pixels) {
-    if constexpr (kWords == 4) {
+    if constexpr (kTileLines == 4) {
         return pixels;
     } else {
         const hn::Repartition<uint64_t, Lanes> d64;
         HWY_ALIGN static constexpr uint64_t kOrder[2][8] = {{0, 2, 1, 3}, {0, 4, 1, 5, 2, 6, 3, 7}};
-        const auto order = hn::SetTableIndices(d64, kOrder[kWords == 16]);
+        const auto order = hn::SetTableIndices(d64, kOrder[kTileLines == 16]);
         return hn::BitCast(Lanes(), hn::TableLookupLanes(hn::BitCast(d64, pixels), order));
     }
 }
 
-// Blurs the line; the results go to row 0 of the tile at `tile`.
+// Blurs the line; the results go to a row of the tile, which begins at `tile`.
 template <size_t kReach>
 HWY_INLINE void blurLine(const uint16_t* line, const SweepPlan& plan, const Layout& layout,
                          size_t blocks, uint16_t* HWY_RESTRICT tile) {
-    const Halves d16;
     const size_t reach = kReach > 0 ? kReach : static_cast<size_t>(plan.reach);
     const uint32_t* HWY_RESTRICT weights = plan.rows.weights.get();
     const Divisor divisor = plan.divisor;  // copies, which what is stored cannot change
-    const SplitSum start = startOfSum(divisor);
-    const size_t lineSize = layout.lineSize;
-    const size_t column = layout.tileRows * kBlock, channel = layout.blocks * column;
+    const SplitSum start = startOfSum<true>(divisor);
+    const size_t lineSize = layout.lineSize, column = layout.column, channel = layout.channel;
     const uint16_t* const from = line + layout.front - reach;
     for (size_t b = 0; b < blocks; b += kSide) {
         SplitSum even[3 * kSide], odd[3 * kSide];
         for (size_t i = 0; i < 3 * kSide; ++i) even[i] = odd[i] = start;
         const auto addPair = [&](size_t p) HWY_ATTR {
-            const auto evenWeights = both(weights[2 * p]), oddWeights = both(weights[2 * p + 1]);
+            const auto evenWeights = weightsOf(weights[2 * p]),
+                       oddWeights = weightsOf(weights[2 * p + 1]);
             for (size_t i = 0; i < 3 * kSide; ++i) {
                 const uint16_t* at = from + i % 3 * lineSize + (b + i / 3) * kBlock + 2 * p;
-                const auto pair = hn::BitCast(d16, hn::LoadU(Lanes(), at));
+                const auto pair = hn::LoadU(Lanes(), at);
                 even[i].add(pair, evenWeights);
                 odd[i].add(pair, oddWeights);
             }
@@ -200,8 +173,8 @@ HWY_INLINE void blurLine(const uint16_t* line, const SweepPlan& plan, const Layo
             for (size_t p = 0; p <= reach; ++p) addPair(p);
         }
         for (size_t i = 0; i < 3 * kSide; ++i) {
-            const auto evenPixels = hn::ShiftRight<16>(even[i].quotient(divisor));
-            const auto oddPixels = odd[i].quotient(divisor);
+            const auto evenPixels = hn::ShiftRight<16>(quotientOf(even[i], divisor));
+            const auto oddPixels = quotientOf(odd[i], divisor);
             const auto pixels =
                 hn::OddEven(hn::BitCast(Lanes(), oddPixels), hn::BitCast(Lanes(), evenPixels));
             hn::Store(deal(pixels), Lanes(), tile + i % 3 * channel + (b + i / 3) * column);
@@ -216,7 +189,7 @@ HWY_INLINE void addRows(const uint16_t* HWY_RESTRICT row, const SweepPlan& plan,
     const Lanes d16;
     constexpr ptrdiff_t kKnown = kReach;
     const ptrdiff_t reach = kKnown > 0 ? kKnown : plan.reach;
-    const auto start = startOfSum(plan.divisor);
+    const auto start = startOfSum<true>(plan.divisor);
     for (size_t r = 0; r < kRows; ++r) lower[r] = upper[r] = start;
     const auto load = [&](ptrdiff_t place) HWY_ATTR {
         return hn::Load(d16, row + place * static_cast<ptrdiff_t>(kBlock));
@@ -226,13 +199,13 @@ HWY_INLINE void addRows(const uint16_t* HWY_RESTRICT row, const SweepPlan& plan,
         return hn::Add(load(own - distance), load(own + distance));
     };
     const auto add = [&](size_t r, LaneVector a, LaneVector b, hn::Vec<Halves> weights) HWY_ATTR {
-        lower[r].add(hn::BitCast(Halves(), hn::InterleaveLower(d16, a, b)), weights);
-        upper[r].add(hn::BitCast(Halves(), hn::InterleaveUpper(d16, a, b)), weights);
+        lower[r].add(hn::InterleaveLower(d16, a, b), weights);
+        upper[r].add(hn::InterleaveUpper(d16, a, b), weights);
     };
-    const auto center = both(plan.columns[0]);
+    const auto center = weightsOf(plan.columns[0]);
     for (size_t r = 0; r < kRows; ++r) add(r, load(static_cast<ptrdiff_t>(r)), two(r, 1), center);
     const auto addDistance = [&](ptrdiff_t distance) HWY_ATTR {
-        const auto weights = both(plan.columns[static_cast<size_t>(distance / 2)]);
+        const auto weights = weightsOf(plan.columns[static_cast<size_t>(distance / 2)]);
         for (size_t r = 0; r < kRows; ++r) {
             add(r, two(r, distance), two(r, distance + 1), weights);
         }
@@ -245,7 +218,7 @@ HWY_INLINE void addRows(const uint16_t* HWY_RESTRICT row, const SweepPlan& plan,
         for (ptrdiff_t distance = 2; distance < reach; distance += 2) addDistance(distance);
     }
     if (reach % 2 == 0) {
-        const auto weights = both(plan.columns[static_cast<size_t>(reach / 2)]);
+        const auto weights = weightsOf(plan.columns[static_cast<size_t>(reach / 2)]);
         for (size_t r = 0; r < kRows; ++r) add(r, two(r, reach), hn::Zero(d16), weights);
     }
 }
@@ -256,15 +229,14 @@ HWY_INLINE void blurBlock(const uint16_t* tile, const SweepPlan& plan, const Lay
                           size_t count, size_t columns, uint32_t* out, size_t step) {
     const Pixels d;
     const Divisor divisor = plan.divisor;
-    const size_t channel = layout.blocks * layout.tileRows * kBlock;
     for (size_t y = 0; y < count; y += kRows) {
         PixelVector words[kRows][2];
         for (size_t c = 0; c < 3; ++c) {
             SplitSum lower[kRows], upper[kRows];
-            addRows<kReach>(tile + c * channel + y * kBlock, plan, lower, upper);
+            addRows<kReach>(tile + c * layout.channel + y * kBlock, plan, lower, upper);
             for (size_t r = 0; r < kRows; ++r) {
-                const PixelVector quotients[] = {lower[r].quotient(divisor),
-                                                 upper[r].quotient(divisor)};
+                const PixelVector quotients[] = {quotientOf(lower[r], divisor),
+                                                 quotientOf(upper[r], divisor)};
                 for (size_t h = 0; h < 2; ++h) {
                     const auto q = quotients[h];
                     if (c == 0) {
@@ -283,11 +255,11 @@ HWY_INLINE void blurBlock(const uint16_t* tile, const SweepPlan& plan, const Lay
             uint32_t* to = out + (y + r) * step;
             if (columns >= kBlock) {
                 hn::StoreU(words[r][0], d, to);
-                hn::StoreU(words[r][1], d, to + kWords);
+                hn::StoreU(words[r][1], d, to + kTileLines);
             } else {
                 HWY_ALIGN uint32_t some[kBlock];
                 hn::Store(words[r][0], d, some);
-                hn::Store(words[r][1], d, some + kWords);
+                hn::Store(words[r][1], d, some + kTileLines);
                 std::copy_n(some, columns, to);
             }
         }
@@ -298,22 +270,22 @@ template <size_t kReach>
 HWY_INLINE void blurStrip(const Strip& strip, const SweepPlan& plan, const Layout& layout,
                           uint16_t* line, uint16_t* tile) {
     const size_t reach = static_cast<size_t>(plan.reach), height = strip.height;
-    const size_t column = layout.tileRows * kBlock;  // of a block of a channel
-    size_t done = 0;                                 // rows
+    size_t done = 0;  // rows
     const size_t blocks = (strip.end - strip.begin + kSide * kBlock - 1) / (kSide * kBlock) * kSide;
     // Row y of the picture is row y - y0 + reach of the tile.
     for (size_t y0 = 0; y0 < height; y0 += layout.band) {
         const size_t count = std::min(layout.band, height - y0);
         const auto copyRows = [&](size_t from, size_t to, size_t rows) {
             for (size_t i = 0; i < 3 * layout.blocks; ++i) {
-                std::memmove(tile + i * column + to * kBlock, tile + i * column + from * kBlock,
+                std::memmove(tile + i * layout.column + to * kBlock,
+                             tile + i * layout.column + from * kBlock,
                              rows * kBlock * sizeof(uint16_t));
             }
         };
         if (y0 > 0) copyRows(layout.band, 0, 2 * reach);
         const size_t end = std::min(height, y0 + count + reach);
         for (; done < end; ++done) {
-            layOutRow(strip, done, reach, layout, blocks, line);
+            layOutRow(strip, done, blocks, reach, layout, line);
             blurLine<kReach>(line, plan, layout, blocks, tile + (done + reach - y0) * kBlock);
         }
         if (y0 == 0) {
@@ -323,7 +295,7 @@ HWY_INLINE void blurStrip(const Strip& strip, const SweepPlan& plan, const Layou
             copyRows(k - 1 + reach, k + reach, 1);
         }
         for (size_t b = 0; b * kBlock < strip.end - strip.begin; ++b) {
-            blurBlock<kReach>(tile + b * column + reach * kBlock, plan, layout, count,
+            blurBlock<kReach>(tile + b * layout.column + reach * kBlock, plan, layout, count,
                               strip.end - strip.begin - b * kBlock,
                               strip.pixels + y0 * strip.width + strip.begin + b * kBlock,
                               strip.width);
@@ -338,8 +310,7 @@ HWY_NOINLINE void blurStrips(const BitmapStruct& bitmap, const SweepPlan& plan, 
     const Layout layout(plan, width, height);
     uint16_t* line = reinterpret_cast<uint16_t*>(alignedScratch(scratch));
     uint16_t* tile = line + 3 * layout.lineSize;
-    uint32_t* kept =
-        reinterpret_cast<uint32_t*>(tile + 3 * layout.blocks * layout.tileRows * kBlock);
+    uint32_t* kept = reinterpret_cast<uint32_t*>(tile + 3 * layout.channel);
     for (size_t x = 0; x < width; x += layout.columns) {
         const Strip strip = {bitmap.pixels, width, height, x, std::min(width, x + layout.columns),
                              kept};
@@ -357,15 +328,18 @@ void blurBySweep(const BitmapStruct& bitmap, const SweepPlan& plan, uint32_t* sc
             return blurStrips<3>(bitmap, plan, scratch);
         case 4:
             return blurStrips<4>(bitmap, plan, scratch);
-        case 9:
-            return blurStrips<9>(bitmap, plan, scratch);
         default:
             return blurStrips<0>(bitmap, plan, scratch);
     }
 }
 
-size_t sweepScratchWords(const SweepPlan& plan, size_t width, size_t height) {
-    return Layout(plan, width, height).words();
+size_t sweepScratchWords(const SweepPlan& plan, const BitmapStruct& bitmap) {
+    if (plan.reach < 1 || plan.reach > kWidestReach) return 0;
+    const size_t width = static_cast<size_t>(bitmap.width);
+    const size_t height = static_cast<size_t>(bitmap.height);
+    const size_t taps = 2 * static_cast<size_t>(plan.reach) + 1;
+    const size_t words = Layout(plan, width, height).words();
+    return words + kPlanWords * taps <= memoryBound(width, height, taps) ? words : 0;
 }
 
 }  // namespace
@@ -381,8 +355,8 @@ void blurBySweep(const BitmapStruct& bitmap, const SweepPlan& plan, uint32_t* sc
     HWY_DYNAMIC_DISPATCH(blurBySweep)(bitmap, plan, scratch);
 }
 
-size_t sweepScratchWords(const SweepPlan& plan, size_t width, size_t height) {
-    return HWY_DYNAMIC_DISPATCH(sweepScratchWords)(plan, width, height);
+size_t sweepScratchWords(const SweepPlan& plan, const BitmapStruct& bitmap) {
+    return HWY_DYNAMIC_DISPATCH(sweepScratchWords)(plan, bitmap);
 }
 }  // namespace android
 #endif

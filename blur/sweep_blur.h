@@ -12,7 +12,8 @@ namespace android {
 // sweepScratchWords asks for, of any content. Reads and writes no byte outside the image.
 void blurBySweep(const BitmapStruct& bitmap, const SweepPlan& plan, uint32_t* scratch);
 
-// The words of scratch; more than a blur may hold where the picture is too small for a sweep.
-size_t sweepScratchWords(const SweepPlan& plan, size_t width, size_t height);
+// The words of scratch; 0 where there is no such plan, where the other ways are faster, and where
+// the picture is so small that a sweep would hold more memory than a blur may.
+size_t sweepScratchWords(const SweepPlan& plan, const BitmapStruct& bitmap);
 
 }  // namespace android

@@ -28,12 +28,8 @@ constexpr size_t kOutputs = 8;
 constexpr size_t kChunk = 64;                   // outputs between two moves of the entries
 constexpr size_t kEntryWords = 2 * kPairWords;  // the pair ahead, then the one behind
 
-HWY_INLINE hn::Vec<Halves> loadPair(const uint32_t* from) {
-    return hn::BitCast(Halves(), hn::Load(Pixels(), from));
-}
-
-HWY_INLINE hn::Vec<Halves> both(uint32_t weights) {
-    return hn::BitCast(Halves(), hn::Set(Pixels(), weights));
+HWY_INLINE LaneVector loadPair(const uint32_t* from) {
+    return hn::BitCast(Lanes(), hn::Load(Pixels(), from));
 }
 
 // Outputs 2u to 2u + 7 of a channel; `ahead` is that channel's pair of entry u. Gives their
@@ -44,13 +40,14 @@ HWY_INLINE void blurEight(const uint32_t* HWY_RESTRICT ahead, const PassPlan& pl
     const SplitSum start = startOfSum<kNear>(plan.divisor);
     SplitSum even[4] = {start, start, start, start}, odd[4] = {start, start, start, start};
     for (size_t i = 0; i < 4; ++i) {
-        even[i].add(loadPair(behind + i * kEntryWords), both(plan.symmetric.centerEven));
-        odd[i].add(loadPair(ahead + i * kEntryWords), both(plan.symmetric.centerOdd));
+        even[i].add(loadPair(behind + i * kEntryWords), weightsOf(plan.symmetric.centerEven));
+        odd[i].add(loadPair(ahead + i * kEntryWords), weightsOf(plan.symmetric.centerOdd));
     }
     const uint32_t* HWY_RESTRICT weights = plan.symmetric.weights.get();
 #pragma GCC unroll 4
     for (size_t t = 0; t < plan.symmetric.turns; ++t) {
-        const auto evenWeights = both(weights[2 * t]), oddWeights = both(weights[2 * t + 1]);
+        const auto evenWeights = weightsOf(weights[2 * t]),
+                   oddWeights = weightsOf(weights[2 * t + 1]);
         const uint32_t* const far = ahead + t * kEntryWords;
         const uint32_t* const near = behind - t * kEntryWords;
         for (size_t i = 0; i < 4; ++i) {

@@ -34,26 +34,16 @@ template <bool kNear, size_t kPairs>
 HWY_INLINE void blurTwo(const uint32_t* HWY_RESTRICT pairs, const PassPlan& plan,
                         uint32_t* HWY_RESTRICT out, size_t step, bool two) {
     const Pixels d;
-    const Sums sums;
-    const Halves d16;
-    const auto start = startOfSum<kNear>(plan.divisor);
-    const auto first = start.first, second = start.second;
-    auto red0 = first, green0 = first, blue0 = first, red1 = first, green1 = first, blue1 = first;
-    auto red0b = second, green0b = second, blue0b = second;
-    auto red1b = second, green1b = second, blue1b = second;
+    SplitSum even[3], odd[3];  // red, green, blue
+    for (size_t c = 0; c < 3; ++c) even[c] = odd[c] = startOfSum<kNear>(plan.divisor);
     const uint32_t* weights = plan.taps.weights.get();
     const auto addPair = [&](const uint32_t* pair, const uint32_t* both) HWY_ATTR {
-        const auto even = hn::BitCast(d16, hn::Set(d, both[0]));
-        const auto odd = hn::BitCast(d16, hn::Set(d, both[1]));
-        const auto red = hn::BitCast(d16, hn::Load(d, pair));
-        const auto green = hn::BitCast(d16, hn::Load(d, pair + kTileLines));
-        const auto blue = hn::BitCast(d16, hn::Load(d, pair + 2 * kTileLines));
-        red0 = hn::ReorderWidenMulAccumulate(sums, red, even, red0, red0b);
-        green0 = hn::ReorderWidenMulAccumulate(sums, green, even, green0, green0b);
-        blue0 = hn::ReorderWidenMulAccumulate(sums, blue, even, blue0, blue0b);
-        red1 = hn::ReorderWidenMulAccumulate(sums, red, odd, red1, red1b);
-        green1 = hn::ReorderWidenMulAccumulate(sums, green, odd, green1, green1b);
-        blue1 = hn::ReorderWidenMulAccumulate(sums, blue, odd, blue1, blue1b);
+        const auto evenWeights = weightsOf(both[0]), oddWeights = weightsOf(both[1]);
+        for (size_t c = 0; c < 3; ++c) {
+            const auto pixels = hn::BitCast(Lanes(), hn::Load(d, pair + c * kTileLines));
+            even[c].add(pixels, evenWeights);
+            odd[c].add(pixels, oddWeights);
+        }
     };
     if constexpr (kPairs > 0) {
         for (size_t i = 0; i < kPairs; ++i) addPair(pairs + i * kPairWords, weights + 2 * i);
@@ -65,20 +55,16 @@ HWY_INLINE void blurTwo(const uint32_t* HWY_RESTRICT pairs, const PassPlan& plan
             }
         }
     }
-    const auto quotient = [&](auto sum, auto sumB) HWY_ATTR {
-        return divide<kNear>(hn::BitCast(d, hn::RearrangeToOddPlusEven(sum, sumB)), plan.divisor);
-    };
-    const auto word = [&](PixelVector red, PixelVector green, PixelVector blue) HWY_ATTR {
-        const auto upper = hn::OrAnd(hn::Set(d, 0xFF000000), blue, hn::Set(d, 0x00FF0000));
-        const auto lower =
-            hn::OrAnd(hn::ShiftRight<16>(red), hn::ShiftRight<8>(green), hn::Set(d, 0xFF00));
+    const auto word = [&](const SplitSum sums[3]) HWY_ATTR {
+        const auto quotient = [&](size_t c)
+                                  HWY_ATTR { return divide<kNear>(sums[c].whole(), plan.divisor); };
+        const auto upper = hn::OrAnd(hn::Set(d, 0xFF000000), quotient(2), hn::Set(d, 0x00FF0000));
+        const auto lower = hn::OrAnd(hn::ShiftRight<16>(quotient(0)),
+                                     hn::ShiftRight<8>(quotient(1)), hn::Set(d, 0xFF00));
         return hn::Or(upper, lower);
     };
-    hn::StoreU(word(quotient(red0, red0b), quotient(green0, green0b), quotient(blue0, blue0b)), d,
-               out);
-    if (!two) return;
-    hn::StoreU(word(quotient(red1, red1b), quotient(green1, green1b), quotient(blue1, blue1b)), d,
-               out + step);
+    hn::StoreU(word(even), d, out);
+    if (two) hn::StoreU(word(odd), d, out + step);
 }
 
 // The pairs that are kept of each tile, from pair `first` up to pair `made`, at pairs + t * words.

@@ -13,6 +13,7 @@
 #include <cstdint>
 
 #include "blur/lanes-inl.h"
+#include "blur/plan_support.h"
 #include "hwy/cache_control.h"
 #include "hwy/highway.h"
 #include "jni/bitmap_struct.h"
@@ -21,42 +22,8 @@ HWY_BEFORE_NAMESPACE();
 namespace android::HWY_NAMESPACE {
 namespace {
 
-// A vector holds one pixel of each of its lanes' lines.
-using Pixels = hn::CappedTag<uint32_t, 16>;
-using PixelVector = hn::Vec<Pixels>;
-constexpr size_t kTileLines = hn::MaxLanes(Pixels());
-
 constexpr size_t kGroup = 64 / kTileLines;  // tiles side by side in a column pass, four cache lines
 constexpr size_t kAhead = 16;  // rows fetched ahead in a column pass, whose rows lie pages apart
-
-using Sums = hn::RebindToSigned<Pixels>;
-using SumVector = hn::Vec<Sums>;
-using Halves = hn::Repartition<int16_t, Pixels>;
-
-// The sum of a multiply-add over pairs. Targets that add the two products of a lane at once leave
-// `second` alone, and the portable one splits them into whole lanes. ARM keeps the products apart,
-// the lower half's in `first` and the upper half's in `second`, and adds neighbours in the end.
-struct SplitSum {
-    SumVector first, second;
-    HWY_INLINE void add(hn::Vec<Halves> pair, hn::Vec<Halves> weights) {
-        first = hn::ReorderWidenMulAccumulate(Sums(), pair, weights, first, second);
-    }
-    HWY_INLINE PixelVector whole() const {
-        return hn::BitCast(Pixels(), hn::RearrangeToOddPlusEven(first, second));
-    }
-};
-
-// What a sum begins with: the complement, when it is a near one.
-template <bool kNear>
-HWY_INLINE SplitSum startOfSum(const Divisor& divisor) {
-    const uint32_t start = kNear ? divisor.complement : 0;
-#if HWY_ARCH_ARM
-    const auto first = hn::BitCast(Sums(), hn::Set(hn::Repartition<uint64_t, Pixels>(), start));
-    return {first, first};
-#else
-    return {hn::BitCast(Sums(), hn::Set(Pixels(), start)), hn::Zero(Sums())};
-#endif
-}
 
 constexpr size_t kPairWords = 3 * kTileLines;
 
@@ -90,11 +57,10 @@ HWY_INLINE void prefetchPixels(const Tiles& tiles, const uint32_t* some, const u
 }
 
 // The tiles that a column pass may take side by side where each holds `words` besides the picture:
-// whole cache lines where that fits the memory that a blur may hold, 64 words for each row, column
-// and tap.
+// whole cache lines where that fits the memory that a blur may hold.
 HWY_INLINE size_t groupOf(const PassPlan& plan, size_t length, size_t lines, size_t words) {
     const size_t taps = 2 * static_cast<size_t>(plan.taps.reach) + 1;
-    const size_t room = 64 * (length + lines + taps) - length * kTileLines;
+    const size_t room = memoryBound(length, lines, taps) - length * kTileLines;
     return std::max<size_t>(1, std::min({kGroup, lines / kTileLines, room / 2 / words}));
 }
 
@@ -121,13 +87,13 @@ HWY_INLINE void blurTilesOfRows(const BitmapStruct& bitmap, uint32_t* scratch, B
         const auto fetch = [&](size_t end) HWY_ATTR {
             end = std::min(width, (end + kTileLines - 1) / kTileLines * kTileLines);
             if (end <= fetched) return;
-            gatherRows(Pixels(), rows + fetched, width, lines, end - fetched,
-                       tile + fetched * kTileLines, kTileLines);
+            gatherRows(rows + fetched, width, lines, end - fetched, tile + fetched * kTileLines,
+                       kTileLines);
             fetched = end;
         };
         const auto deliver = [&](size_t begin, size_t end) HWY_ATTR {
-            scatterRows(Pixels(), tile + begin * kTileLines, kTileLines, lines, end - begin,
-                        rows + begin, width);
+            scatterRows(tile + begin * kTileLines, kTileLines, lines, end - begin, rows + begin,
+                        width);
         };
         blur(Tiles{tile, width, kTileLines, 1}, pairs, fetch, deliver);
     }

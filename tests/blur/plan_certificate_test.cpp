@@ -27,30 +27,30 @@ struct Expansion {
 int16_t weightOf(const StepTerm& term) { return static_cast<int16_t>(term.weight); }
 
 // Adds a term to `sum`. Fails where the row that it takes for any output is not laid out.
-void expand(const StepPlan& plan, const StepTerm& term, int32_t length, Expansion& sum) {
+void expand(const StepPlan& plan, const StepTerm& term, Expansion& sum) {
     const int32_t table = term.row / plan.tableRows, row = term.row % plan.tableRows;
     const int32_t weight = weightOf(term);
     ASSERT_EQ(term.weight, 0x10001u * static_cast<uint16_t>(weight));
-    ASSERT_LT(table, 2 + static_cast<int32_t>(plan.distanceCount));
-    const int32_t distance = table < 2 ? 0 : plan.distances[table - 2];
-    // Outputs are computed four at a time from 1 on, some of the last four in vain.
-    const int32_t lastOutput = 1 + (length - 2) / 4 * 4 + 3;
-    ASSERT_LT(lastOutput + row + distance, plan.tableRows);
-    if (table == 1) {
-        ASSERT_TRUE(plan.prefixSums);
+    const int32_t prefixTable = 1 + static_cast<int32_t>(plan.distanceCount);
+    ASSERT_LT(table, static_cast<int32_t>(tableCount(plan)));
+    const int32_t distance = table == 0 || table == prefixTable ? 0 : plan.distances[table - 1];
+    ASSERT_LT(plan.chunk + row + distance, plan.tableRows);
+    if (table == prefixTable) {
         for (int32_t k = 0; k <= row; ++k) sum.at[k] += weight;
         sum.beforeAll += weight;
     } else {
         sum.at[row] += weight;
-        if (table > 1) sum.at[row + distance] += weight;
+        if (table > 0) sum.at[row + distance] += weight;
     }
 }
 
-void certifySteps(const FoldedKernel& kernel, int32_t length, const StepPlan& plan) {
+void certifySteps(const FoldedKernel& kernel, int32_t length, int32_t room, const StepPlan& plan) {
     const int32_t reach = kernel.reach, border = plan.border;
     ASSERT_EQ(plan.reach, reach);
-    ASSERT_LE((2 + plan.distanceCount) * int64_t{plan.tableRows}, INT32_MAX);
-    ASSERT_LE(border + length, plan.tableRows);
+    ASSERT_LE(static_cast<int64_t>(tableCount(plan)) * plan.tableRows, room);
+    // Outputs are computed four at a time, and those of a chunk keep what the next one takes.
+    ASSERT_TRUE(plan.chunk > 0 && plan.chunk % 4 == 0);
+    ASSERT_EQ(plan.tableRows, plan.chunk + 2 * reach + 3);
     std::vector<int64_t> start(2 * reach + 1);
     for (int32_t i = -reach; i <= reach; ++i) start[std::max(i, 0)] += kernel.weights[i + reach];
     for (int32_t i = 0; i <= reach; ++i) ASSERT_EQ(plan.start[i], start[i]) << "pixel " << i;
@@ -68,7 +68,7 @@ void certifySteps(const FoldedKernel& kernel, int32_t length, const StepPlan& pl
             ASSERT_EQ(terms->begin, next);
             for (; next < terms->end; ++next) {
                 const StepTerm& term = plan.terms[next];
-                expand(plan, term, length, piece);
+                expand(plan, term, piece);
                 if (testing::Test::HasFatalFailure()) return;
                 if (terms != &made.weighted) {
                     ASSERT_EQ(weightOf(term), terms == &made.added ? 1 : -1);
@@ -114,13 +114,14 @@ void certifySteps(const FoldedKernel& kernel, int32_t length, const StepPlan& pl
 }
 
 // Makes both plans of a kernel and certifies them. Tells whether there is one by steps.
-bool certify(const Weights& weights, int32_t length) {
-    SCOPED_TRACE(testing::Message() << weights.size() << " taps, line of " << length);
+bool certify(const Weights& weights, int32_t length, int32_t room = 1 << 20) {
+    SCOPED_TRACE(testing::Message()
+                 << weights.size() << " taps, line of " << length << ", room " << room);
     FoldedKernel kernel;
     android::TapPlan taps;
     StepPlan steps;
     EXPECT_TRUE(foldKernel(weights.data(), static_cast<int32_t>(weights.size()), length, &kernel) &&
-                planTaps(kernel, &taps) && planSteps(kernel, length, &steps));
+                planTaps(kernel, &taps) && planSteps(kernel, length, room, &steps));
     const int32_t count = 2 * kernel.reach + 1;
     EXPECT_EQ(std::accumulate(kernel.weights.get(), kernel.weights.get() + count, int64_t{0}),
               std::accumulate(weights.begin(), weights.end(), int64_t{0}));
@@ -134,7 +135,7 @@ bool certify(const Weights& weights, int32_t length) {
         EXPECT_EQ(even, kernel.weights[tap]);
         EXPECT_EQ(odd, kernel.weights[tap]);
     }
-    if (steps.terms) certifySteps(kernel, length, steps);
+    if (steps.terms) certifySteps(kernel, length, room, steps);
     return steps.terms != nullptr;
 }
 
@@ -150,25 +151,25 @@ TEST(StepPlan, TakesThreeTermsForTheExample) {
     const Weights weights = {1, 2, 3, 2, 1};
     FoldedKernel kernel;
     StepPlan plan;
-    ASSERT_TRUE(foldKernel(weights.data(), 5, 100, &kernel) && planSteps(kernel, 100, &plan));
+    ASSERT_TRUE(foldKernel(weights.data(), 5, 100, &kernel) &&
+                planSteps(kernel, 100, 1 << 20, &plan));
     std::vector<std::pair<int32_t, int32_t>> terms;  // pixels from the output, weight
     for (size_t t = 0; t < plan.termCount; ++t) {
-        terms.emplace_back(plan.terms[t].row - plan.tableRows - plan.border,
+        terms.emplace_back(plan.terms[t].row % plan.tableRows - plan.border,
                            weightOf(plan.terms[t]));
     }
     std::sort(terms.begin(), terms.end());
     EXPECT_EQ(terms, (std::vector<std::pair<int32_t, int32_t>>{{-4, 1}, {-1, -2}, {2, 1}}));
 }
 
-// Six tables are as many rows as 31 bits count, and one more.
-TEST(StepPlan, EndsWhereRowsCannotBeCounted) {
-    const Weights weights = {1, 1, 1};
-    for (const int32_t length : {357913933, 357913934}) {
-        FoldedKernel kernel;
-        StepPlan plan;
-        ASSERT_TRUE(foldKernel(weights.data(), 3, length, &kernel) &&
-                    planSteps(kernel, length, &plan));
-        EXPECT_EQ(plan.terms != nullptr, length == 357913933);
+// Two tables of twice what an output takes are the least; with more room come the sums of
+// two, until all five tables have theirs, and no chunk is longer than the line.
+TEST(StepPlan, KeepsToItsRoom) {
+    const Weights weights = gaussian(60);
+    const int32_t least = 2 * (2 * 119 + 3);
+    for (const int32_t room :
+         {2 * least - 1, 2 * least, 3 * least - 1, 3 * least, 6 * least, 9999}) {
+        EXPECT_EQ(certify(weights, 5000, room), room >= 2 * least);
     }
 }
 
@@ -182,7 +183,8 @@ TEST(PlanCertificate, HoldsForEveryRadius) {
         const int32_t some = 2 + static_cast<int32_t>(random() % 400);
         for (const int32_t length : {some, half, half + 1, 2 * half}) {
             if (length > 4000 || length < 2) continue;
-            bySteps += certify(kernel, length);
+            const int32_t least = 2 * (2 * std::min(length - 1, half) + 3);
+            bySteps += certify(kernel, length, least * (2 + plans % 9));
             ++plans;
             ASSERT_FALSE(testing::Test::HasFailure()) << "radius " << radius;
         }
