@@ -22,12 +22,13 @@ namespace {
 
 constexpr size_t kSums = 512;
 
-// Whether the vectors `d` of sums give their quotients; 0 to 255 twice, from either side.
-template <bool kNear, class D>
-bool divides(D d, const Divisor& divisor, const uint32_t* sums, const uint32_t* quotients) {
+// Whether the sums give their quotients; 0 to 255 twice, from either side.
+template <bool kNear>
+bool divides(const Divisor& divisor, const uint32_t* sums, const uint32_t* quotients) {
+    const Pixels d;
     const uint32_t start = kNear ? divisor.complement : 0;
     HWY_ALIGN uint32_t actual[kSums];
-    for (size_t i = 0; i < kSums; i += hn::Lanes(d)) {
+    for (size_t i = 0; i < kSums; i += kTileLines) {
         const auto sum = hn::Add(hn::LoadU(d, sums + i), hn::Set(d, start));
         const auto quotient = divide<kNear>(sum, divisor);
         hn::StoreU(hn::And(hn::ShiftRight<16>(quotient), hn::Set(d, 0xFF)), d, actual + i);
@@ -46,12 +47,9 @@ int32_t firstWrongNorm() {
             quotients[2 * q] = quotients[2 * q + 1] = q;
         }
         const Divisor divisor = divisorOf(norm);
-        const hn::CappedTag<uint32_t, 16> wide;
-        const hn::CappedTag<uint32_t, 8> narrow;
-        if (!divides<false>(wide, divisor, sums, quotients)) return norm;
+        if (!divides<false>(divisor, sums, quotients)) return norm;
         if (divisor.complement > kNearComplement) continue;
-        if (!divides<true>(wide, divisor, sums, quotients)) return norm;
-        if (!divides<true>(narrow, divisor, sums, quotients)) return norm;
+        if (!divides<true>(divisor, sums, quotients)) return norm;
     }
     return 0;
 }
