@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <random>
 
 #include "tests/reference/reference.h"
@@ -41,6 +42,17 @@ const std::string kStats = kHeader +
                            "14 a123456789b123456789c123456789d0x0 8 0 9 5 5 5\n"  // cut
                            "15 wlan0 0x0 1000 0 1000 2000 3000 4000";             // no newline
 
+// Gives a line, and another one whose end comes after an error.
+ssize_t readByte(void* position, char* byte, size_t) {
+    static const std::string lines = "1 lo 0x0 0 0 1 2 3 4\n2 lo 0x0 0 0 50 60 70 80!\n";
+    size_t& at = *static_cast<size_t*>(position);
+    if (at == lines.size()) return 0;
+    *byte = lines[at++];
+    if (*byte != '!') return 1;
+    errno = EIO;
+    return -1;
+}
+
 TEST(TrafficCounter, GivesTheseTotals) {
     // Filled up to 383 characters the line holds two entries: one read ends between them.
     const std::string first = "1 wlan0 0x0 1000 0 1 2 3 4";
@@ -75,6 +87,7 @@ TEST(TrafficCounter, GivesTheseTotals) {
         {kStats, "eth0", 7, 0, 2},  // wraps
         {kStats, "eth0", 7, 1, 8589934592},
         {kStats, "", 1000, 0, 0},
+        {"1 a b 0x0 8 0 5 5 5 5\n", "a b", 8, 0, 0},            // a name ends at a blank
         {kStats, "a123456789b123456789c123456789d", 8, 0, 14},  // 31 characters
         {kStats, "a123456789b123456789c123456789dx", 8, 0, 0},  // 32
         {"1 lo 0x0 0 0 18446744073709551615 1 1 1\n", "lo", 0, 0, -1},
@@ -127,6 +140,19 @@ TEST(TrafficCounter, ReadsTheFileItOpened) {
                               }));
     EXPECT_EQ(total(platform, "lo", 0, 2), 3);
     EXPECT_EQ(total(platform, "lo", 0, 2), 70);
+}
+
+// What comes before an error counts, but for the line that the error cuts.
+TEST(TrafficCounter, StopsAtAnError) {
+    FakePlatform platform;
+    FakeLibc libc;
+    static size_t position;
+    position = 0;
+    const auto open = [](const char*, const char* mode) {
+        return fopencookie(&position, mode, {readByte, nullptr, nullptr, nullptr});
+    };
+    const ImportPatch replace("fopen", reinterpret_cast<void*>(+open));
+    EXPECT_EQ(total(platform, "lo", 0, 0), 1);
 }
 
 // Plain lines, and lines with an odd field, an odd byte or odd gaps, some longer than one read.
