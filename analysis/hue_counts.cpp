@@ -5,6 +5,7 @@
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "analysis/hue_counts.cpp"
+#include "hwy/cache_control.h"
 #include "hwy/foreach_target.h"  // compiles the rest of this file once per instruction set
 #include "hwy/highway.h"
 
@@ -48,6 +49,7 @@ namespace android {
 using CodeTable = std::array<uint8_t, 16>;
 
 constexpr uint8_t kNone = 0x80;  // no code, and no bin
+constexpr size_t kAhead = 2048;  // words from those that are read to those that are fetched
 constexpr size_t kRounds = 15;   // vectors of codes between two emptyings of the counts
 
 constexpr CodeTable kLowerBins = {8, 7, 6, 5, 4, 8, 9, 10, 11, 0, 1, 2, 3, kNone, kNone, kNone};
@@ -207,6 +209,8 @@ void countHues(const uint32_t* pixels, size_t count, int32_t bins[kHueBins]) {
     for (size_t i = 0; i < count;) {
         size_t rounds = 0;
         for (; rounds < kRounds && count - i >= kBytes; ++rounds, i += kBytes) {
+            const uint32_t* const ahead = pixels + std::min(i + kAhead, count - kBytes);
+            for (size_t word = 0; word < kBytes; word += 16) hwy::Prefetch(ahead + word);
             findCodes(pixels + i, lower + rounds * kBytes, upper + rounds * kBytes);
         }
         if (rounds < kRounds && i < count) {  // black has no colour, so it may fill up
