@@ -149,9 +149,10 @@ HWY_INLINE void findCodes(const uint32_t* pixels, uint8_t* lower, uint8_t* upper
     const auto mid = hn::Max(less, hn::Min(more, blue));
     const auto range = hn::Sub(max, min), s = hn::Sub(mid, min);
 
-    const auto sector = hn::Sub(hn::Or(hn::And(notLess(blue, green), hn::Set(d, 2)),
-                                       hn::And(isEqual(blue, mid), hn::Set(d, 4))),
-                                isEqual(more, green));
+    const auto sector =
+        hn::Sub(hn::Or(hn::IfThenElseZero(hn::Eq(hn::Max(blue, green), blue), hn::Set(d, 2)),
+                       hn::IfThenElseZero(hn::Eq(blue, mid), hn::Set(d, 4))),
+                isEqual(more, green));
 
     // With x = range - 1, c is floor(x / 15) + 1 = floor((x + floor(x / 16) + 1) / 16) + 1. What a
     // shift brings in from the neighbouring byte is masked with the sectors above a base.
