@@ -110,7 +110,7 @@ HWY_INLINE void copyLines(const uint32_t* from, size_t fromPitch, size_t lines, 
     for (size_t i = 0; i < length; ++i) std::copy_n(from + i * fromPitch, lines, to + i * toPitch);
 }
 
-// The quotient of each lane.
+// The quotient of each lane, even and odd ones apart, as products are 64 bits wide.
 HWY_INLINE PixelVector divideByReciprocal(PixelVector sum, const Divisor& divisor) {
     const Pixels d;
     const hn::Repartition<uint64_t, Pixels> d64;
@@ -121,7 +121,8 @@ HWY_INLINE PixelVector divideByReciprocal(PixelVector sum, const Divisor& diviso
     return hn::BitCast(d, hn::Or(low, high));
 }
 
-// The quotient of each lane in its bits 16 to 23, with anything below. Sums already hold the
+// The quotient of each lane in its bits 16 to 23, with nothing above and anything below (the upper
+// half of the sum is at most 255: blur/pass_plan.h). Sums already hold the
 // complement when it is a near one.
 template <bool kNear>
 HWY_INLINE PixelVector divide(PixelVector sum, const Divisor& divisor) {
@@ -133,7 +134,8 @@ HWY_INLINE PixelVector divide(PixelVector sum, const Divisor& divisor) {
         const auto complement = hn::BitCast(Lanes(), hn::Set(d, divisor.complement));
         return hn::Add(sum, hn::BitCast(d, hn::Mul(high, complement)));
     } else {
-        // The upper half of the sum times the complement, in one multiply-add.
+        // The upper half of the sum times the complement, in one multiply-add; the lower half,
+        // whatever its sign, meets a 0.
         const hn::RebindToSigned<Pixels> sums;
         const auto complement = hn::BitCast(Halves(), hn::Set(d, divisor.complement << 16));
         auto second = hn::Zero(sums);

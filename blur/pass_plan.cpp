@@ -7,21 +7,28 @@
 namespace android {
 namespace {
 
+// Symmetric taps pay from this reach on, and need a line this long: on shorter ones their entries
+// would be more memory than a blur may hold.
 constexpr int32_t kSymmetricReach = 10;
 constexpr int32_t kSymmetricLength = 96;
-constexpr int32_t kNarrowReach = 24;  // narrower kernels are cheaper by taps, without asking
+// Gaussians narrower than this have no plan by steps: their outermost difference is too large.
+// Short lines under wide kernels may have one, which saves little.
+constexpr int32_t kNarrowReach = 24;
 
-// What 16 outputs of one channel cost, in hundredths of a nanosecond, measured on x86-64 with AVX2;
-// the cheaper method is taken. By taps the cost is the number of pairs. By steps it is the number
-// of terms; each piece is widened and added up; laying out the tables grows with their number, and
-// with the border where a kernel is wide beside the line. The last number of each is what does not
-// depend on the plan: reading the line, the division, writing.
-bool stepsAreCheaper(const StepPlan& steps, const TapPlan& taps, size_t tapPairCost, int32_t length,
-                     bool symmetric) {
-    const size_t layOut =
-        tableCount(steps) * static_cast<size_t>((length + 2 * steps.reach + 6) / length);
-    const size_t stepCost = 18 * steps.termCount + 90 * steps.pieceCount + 15 * layOut + 1000;
-    const size_t tapCost = tapPairCost * taps.pairs * taps.rounds * (symmetric ? 6 : 10) / 10 + 600;
+// What 16 outputs of one channel cost, in hundredths of a nanosecond, measured beforehand on x86-64
+// with AVX2; only which is less counts, never a result. By taps it is the number of pairs, of which
+// symmetric ones cost six tenths. By steps it is the number of terms; each piece is widened and
+// added up; laying out a table costs a row an output, and two or three where the border is as long
+// as the line or twice. Not counted are the first output and what the window of the widest kernels
+// saves. The last number of each does not depend on the plan: reading the line, the division,
+// writing.
+bool stepsAreCheaper(const PassPlan& plan, size_t tapPairCost, int32_t length) {
+    const StepPlan& steps = plan.steps;
+    const size_t rows = static_cast<size_t>((length + 2 * steps.reach + 6) / length);
+    const size_t stepCost =
+        18 * steps.termCount + 90 * steps.pieceCount + 15 * tableCount(steps) * rows + 1000;
+    const size_t pairs = tapPairCost * plan.taps.pairs * plan.taps.rounds;
+    const size_t tapCost = (plan.bySymmetricTaps() ? pairs * 6 / 10 : pairs) + 600;
     return stepCost < tapCost;
 }
 
@@ -49,8 +56,7 @@ bool makePassPlan(const int32_t* kernel, int32_t size, int32_t norm, int32_t len
         memoryBound(pixels, static_cast<size_t>(lines), taps) - kPlanWords * taps - 32 * pixels;
     const int32_t room = static_cast<int32_t>(std::min<size_t>(words / 16, INT32_MAX));
     if (!planSteps(folded, length, room, &plan->steps)) return false;
-    if (plan->bySteps() &&
-        !stepsAreCheaper(plan->steps, plan->taps, tapPairCost, length, plan->bySymmetricTaps())) {
+    if (plan->bySteps() && !stepsAreCheaper(*plan, tapPairCost, length)) {
         plan->steps = StepPlan();
     }
     return true;

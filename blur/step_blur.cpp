@@ -18,7 +18,11 @@
 //
 //     sum(y) = sum(y - 1) + pieces of { term.weight * tables[y + term.row] }
 //
-// kStepOutputs outputs that follow each other share the fetching of a term.
+// where the biases of the pieces go in and out again, and with a near norm every sum holds the
+// complement. kStepOutputs outputs that follow each other share the fetching of a term.
+//
+// The tables hold all bytes of a channel that an output takes before it is written, so a pass works
+// in place. Lanes without a line hold anything, and are not copied back.
 
 HWY_BEFORE_NAMESPACE();
 namespace android::HWY_NAMESPACE {
@@ -26,7 +30,9 @@ namespace {
 
 constexpr size_t kOutputs = kStepOutputs;
 
-// The lanes of two tiles' vectors, in two vectors or in one: sums of 32 bits and values of 16.
+// The lanes of two tiles' vectors, in two vectors or in one: sums of 32 bits and values of 16. Both
+// ways work within 128 bits, in the same order on every target, so that a lane comes back as
+// itself.
 struct WideVector {
     PixelVector lower, upper;
 };
@@ -134,12 +140,13 @@ HWY_INLINE WideVector firstSum(const StepPlan& plan, const uint16_t* tables) {
     return sum;
 }
 
-// Beyond the ends of a line all pixels are alike, so the terms that take those add up to a multiple
-// of one pixel. A kernel as wide as the line has half of its terms there. Kept for plans of a
-// single piece: those of wide kernels.
+// At and beyond the ends of a line all pixels are alike, so the terms of pixels that take those add
+// up to a multiple of one pixel, modulo 65536 like the terms themselves. A kernel as wide as the
+// line has half of its terms there. Kept for plans of a single piece: those of kernels whose
+// largest weight is 128 at most, of a radius beyond two hundred.
 struct Window {
-    StepTerms near[3];        // of the piece, added, subtracted and weighted: what takes the line
-    uint32_t before, behind;  // the weights of the terms beyond either end
+    StepTerms within[3];  // of the piece, added, subtracted and weighted: from `pixels` to `end`
+    uint32_t before, behind;  // what the terms beyond either end weigh together
 };
 
 HWY_INLINE uint32_t weightOf(const StepPlan& plan, size_t term) {
@@ -150,21 +157,23 @@ HWY_INLINE uint32_t weightOf(const StepPlan& plan, size_t term) {
 HWY_INLINE Window windowOf(const StepPlan& plan) {
     const StepPiece& piece = plan.pieces[0];
     Window window = {{piece.added, piece.subtracted, piece.weighted}, 0, 0};
-    for (StepTerms& terms : window.near) {
+    for (StepTerms& terms : window.within) {
         for (size_t t = terms.pixels; t < terms.end; ++t) window.before += weightOf(plan, t);
         terms.pixels = terms.end;
     }
     return window;
 }
 
-// Takes the window on to the outputs from `y` on.
+// Takes the window on to the outputs y to y + kOutputs - 1; y only grows. Rows grow with it, so
+// terms come in from the highest row down and go out the same way. In front is a term whose last
+// row is pixel 0's or before; behind, one whose first row lies past the last pixel's.
 HWY_INLINE void moveWindow(const StepPlan& plan, size_t length, size_t y, Window& window) {
     const StepPiece& piece = plan.pieces[0];
     const size_t first[] = {piece.added.pixels, piece.subtracted.pixels, piece.weighted.pixels};
     const size_t border = static_cast<size_t>(plan.border);
     const auto row = [&](size_t term) { return static_cast<size_t>(plan.terms[term].row) + y; };
     for (size_t k = 0; k < 3; ++k) {
-        StepTerms& terms = window.near[k];
+        StepTerms& terms = window.within[k];
         for (; terms.pixels > first[k]; --terms.pixels) {
             if (row(terms.pixels - 1) + kOutputs <= border + 1) break;
             window.before -= weightOf(plan, terms.pixels - 1);
@@ -176,8 +185,8 @@ HWY_INLINE void moveWindow(const StepPlan& plan, size_t length, size_t y, Window
     }
 }
 
-// What kOutputs sums of a piece grow by: parts[o] is output y + o's, from 0 to 65535 with the bias.
-// `first` is the row of the tables that output y's terms count from.
+// What a piece adds to kOutputs sums: parts[o] to that of output y + o, from 0 to 65535 with the
+// bias. `first` is the row of the tables that output y's terms count from.
 HWY_INLINE void partsOf(const StepPlan& plan, const StepPiece& piece, const uint16_t* first,
                         const Ends& ends, size_t length, size_t y, Window& window,
                         LaneVector parts[kOutputs]) {
@@ -214,11 +223,11 @@ HWY_INLINE void partsOf(const StepPlan& plan, const StepPiece& piece, const uint
     const auto beyond = hn::Add(times(ends.first, window.before), times(ends.last, window.behind));
     for (size_t o = 0; o < kOutputs; ++o) parts[o] = hn::Add(parts[o], beyond);
     forTerms(piece.added.begin, piece.added.pixels, add);
-    forTerms(window.near[0].pixels, window.near[0].end, add);
+    forTerms(window.within[0].pixels, window.within[0].end, add);
     forTerms(piece.subtracted.begin, piece.subtracted.pixels, subtract);
-    forTerms(window.near[1].pixels, window.near[1].end, subtract);
+    forTerms(window.within[1].pixels, window.within[1].end, subtract);
     forTerms(piece.weighted.begin, piece.weighted.pixels, addWeighted);
-    forTerms(window.near[2].pixels, window.near[2].end, addWeighted);
+    forTerms(window.within[2].pixels, window.within[2].end, addWeighted);
 }
 
 // The differences of kOutputs sums to the ones before them, from output `y` on.
@@ -250,7 +259,7 @@ HWY_INLINE void blurChannel(uint32_t* lines, size_t step, size_t length, const P
                        channelOf<kChannel>(lines + (length - 1) * step)};
     layOut<kChannel>(lines, step, length, steps, ends, 0, 0, tables);
     WideVector sum = firstSum(steps, tables);
-    if (kNear) {
+    if (kNear) {  // once: every later sum is this one plus differences
         const auto complement = hn::Set(Pixels(), plan.divisor.complement);
         sum = {hn::Add(sum.lower, complement), hn::Add(sum.upper, complement)};
     }

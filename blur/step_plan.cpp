@@ -9,7 +9,7 @@
 namespace android {
 namespace {
 
-constexpr int32_t kWidestDistance = 16;  // of two pixels whose sum is a term
+constexpr int32_t kWidestDistance = 16;  // of two pixels whose sum is a term; more save few
 constexpr int32_t kCachedRows = 16384;   // of 64 bytes that a second-level cache holds
 
 // Difference j, from 0 to count - 1, is what the pixel j - reach - 1 away from the later one of two
@@ -25,11 +25,11 @@ struct Differences {
 // one where the slope changes, one for each residual that is not 0. Walks the places from the left
 // and keeps, for each slope that the next place may have, the cost of the cheapest way there: by
 // keeping the slope, which is free, or by changing it from the cheapest of all, which takes a term.
-// Then follows the cheapest way back from the right end. Differences larger than kSteepest stay
-// with the residuals: an approximation that costs terms, not exactness.
+// Then follows the cheapest way back from the right end. A difference larger than kSteepest always
+// leaves a residual: that costs terms, not exactness.
 bool splitDifferences(Differences* differences) {
     constexpr int32_t kSteepest = 12;
-    constexpr int32_t kSlopes = 2 * kSteepest + 1;  // slope s of the loops below is s - kSteepest
+    constexpr int32_t kSlopes = 2 * kSteepest + 1;  // index s stands for the slope s - kSteepest
     const size_t count = differences->count;
     std::unique_ptr<uint32_t[]> kept;      // one bit a slope: whether its cheapest way kept it
     std::unique_ptr<uint8_t[]> changedAt;  // the slope that a change comes from
@@ -37,6 +37,7 @@ bool splitDifferences(Differences* differences) {
         !allocate(differences->slope, count)) {
         return false;
     }
+    // In front of the first place the slope is 0: any other one costs the term that begins it.
     int32_t cost[kSlopes];
     for (int32_t s = 0; s < kSlopes; ++s) cost[s] = s == kSteepest ? 0 : 1;
     for (size_t j = 0; j < count; ++j) {
@@ -74,8 +75,9 @@ bool makeDifferences(const FoldedKernel& kernel, int32_t length, Differences* di
     }
     if (kernel.reach == length - 1) {
         // As wide as the line: the two outermost places on either side meet the same pixel, the
-        // line's first or last one, from every output. The outermost weight may be a large one, of
-        // all taps that were folded onto it, but its two differences together are small again.
+        // line's first or last one, from every output. The two differences of the outermost weight
+        // w(0), -w(0) and w(0) - w(1), add up to -w(1): it cancels, however much was folded onto
+        // it.
         const size_t last = differences->count - 1;
         difference[1] += difference[0];
         difference[last - 1] += difference[last];
@@ -84,10 +86,11 @@ bool makeDifferences(const FoldedKernel& kernel, int32_t length, Differences* di
     return splitDifferences(differences);
 }
 
-// Calls pair(row, distance, weight) for every two residuals in [begin, end) that are alike and at
-// most kWidestDistance rows apart, and single(row, weight) for the others; a pair only where
-// `wanted(distance)`. Difference j belongs to pixel j - reach - 1, which is row j + 1 of the
-// bordered pixels: the border has a row more for the prefix sum in front of the first difference.
+// Of the residuals in [begin, end) that are not 0, one and the next make a pair where they are
+// alike, at most kWidestDistance rows apart and wanted(distance): pair(row, distance, weight). Each
+// is in one pair at most; the others are single(row, weight). Greedy, so not always the most pairs.
+// Difference j belongs to pixel j - reach - 1, which is row j + 1 of the bordered pixels: the
+// border has a row more for the prefix sum in front of the first difference.
 template <typename Wanted, typename Pair, typename Single>
 void walkResiduals(const Differences& differences, size_t begin, size_t end, Wanted wanted,
                    Pair pair, Single single) {
@@ -101,14 +104,15 @@ void walkResiduals(const Differences& differences, size_t begin, size_t end, Wan
             weight = 0;
         } else {
             if (weight != 0) single(row, weight);
-            row += distance;
+            row += distance;  // j + 1, the row of this residual
             weight = residual;
         }
     }
     if (weight != 0) single(row, weight);
 }
 
-// Gives tables to the distances that save the most terms, at most `most` of them.
+// Gives tables to the distances that save the most terms, at most `most` of them; counted as if
+// each distance had a table and nothing were cut into pieces.
 void chooseDistances(const Differences& differences, size_t most, StepPlan* plan) {
     int32_t uses[kWidestDistance + 1] = {};
     walkResiduals(
@@ -139,6 +143,10 @@ void addTerm(size_t table, int32_t row, int32_t weight, StepPlan* plan) {
     plan->prefixSums |= table > plan->distanceCount;
 }
 
+// A run of slope s over the differences a to b - 1, which are rows a + 1 to b, is s (S(b) - S(a))
+// with S(i) the prefix sum up to row i. So row j of the prefix sums weighs the slope in front of
+// difference j less the one from j on. These weights add up to 0: whatever the sums hold from rows
+// in front of the piece cancels.
 void addTerms(const Differences& differences, size_t begin, size_t end, StepPlan* plan) {
     const size_t prefixSums = 1 + plan->distanceCount;
     int32_t slope = 0;
@@ -230,7 +238,8 @@ bool planSteps(const FoldedKernel& kernel, int32_t length, int32_t room, StepPla
     if (largest > kStepPieceSpan || 2 * leastRows > room) return true;
     plan->reach = reach;
     plan->border = reach + 2;
-    // A piece is closed when the next difference does not fit, so two neighbours exceed the span.
+    // A piece is closed when the next difference does not fit, so any two neighbours exceed the
+    // span together.
     const size_t pieces = static_cast<size_t>(2 * total / kStepPieceSpan) + 2;
     // A difference gives two terms at most, and each piece ends with one more.
     if (!allocate(plan->start, static_cast<size_t>(reach) + 1) ||

@@ -27,7 +27,7 @@ HWY_BEFORE_NAMESPACE();
 namespace android::HWY_NAMESPACE {
 namespace {
 
-constexpr size_t kChunk = 32;  // outputs between two moves of the pairs
+constexpr size_t kChunk = 32;  // outputs between two moves of the pairs; even, like a pair's
 
 // Two outputs of a tile that start at the same pair; the second one is dropped when `two` is false.
 template <bool kNear, size_t kPairs>
@@ -67,7 +67,7 @@ HWY_INLINE void blurTwo(const uint32_t* HWY_RESTRICT pairs, const PassPlan& plan
     if (two) hn::StoreU(word(odd), d, out + step);
 }
 
-// The pairs that are kept of each tile, from pair `first` up to pair `made`, at pairs + t * words.
+// The pairs that are kept of each tile, from number `first` to made - 1, at pairs + t * words.
 struct PairBuffers {
     uint32_t* pairs;
     size_t words;
@@ -110,8 +110,11 @@ HWY_INLINE void makePairs(const Tiles& tiles, size_t reach, size_t end, PairBuff
     while (buffers.made < end) make(pixel(2 * buffers.made), pixel(2 * buffers.made + 1));
 }
 
-// Blurs tiles side by side, in place (blur/tiles-inl.h). Pairs are made ahead of the outputs, so a
-// pixel is taken before it is written.
+// Blurs tiles side by side, in place (blur/tiles-inl.h). Pairs are made ahead of the outputs: those
+// not yet made begin at least `reach` pixels behind the chunk, or repeat the line's last pixel,
+// which the last chunk writes; those that repeat the first one are all made in the first chunk. So
+// a pixel is taken before it is written. One pixel more than the taps reach is fetched: the last
+// pair's second.
 template <bool kNear, size_t kPairs, typename Fetch, typename Deliver>
 HWY_INLINE void blurTiles(const Tiles& tiles, const PassPlan& plan, uint32_t* pairs, Fetch fetch,
                           Deliver deliver) {
