@@ -95,12 +95,22 @@ TEST(GaussianBlur, LeavesUntouchedWithoutMemory) {
 TEST(GaussianBlur, KeepsToItsMemory) {
     Weights zigzag(199, 0);  // changes as many and as large as steps can take
     for (size_t i = 1; i < zigzag.size(); i += 2) zigzag[i] = 257;
-    const Weights kernels[] = {kThree, zigzag, gauss(10).weights, gauss(60).weights,
+    const Weights kernels[] = {kThree,
+                               zigzag,
+                               gauss(2.5f).weights,
+                               gauss(10).weights,
+                               gauss(60).weights,
                                gauss(400).weights};
     for (const Weights& kernel : kernels) {
         const int32_t size = static_cast<int32_t>(kernel.size());
-        for (const auto& [width, height] :
-             {std::pair(2, 2), {17, 3}, {100, 100}, {33, 64}, {64, 100}, {600, 40}, {56, 1000}}) {
+        for (const auto& [width, height] : {std::pair(2, 2),
+                                            {17, 3},
+                                            {100, 100},
+                                            {33, 64},
+                                            {64, 100},
+                                            {600, 40},
+                                            {56, 1000},
+                                            {1100, 30}}) {
             FakePlatform platform;
             FakeLibc libc;
             Image image(width, height, 0x336699);
@@ -146,6 +156,29 @@ TEST(GaussianBlur, EqualsReferenceByStepsAtEverySize) {
             const reference::Kernel& kernel = kernels[n / 112 % 2 == 1 && n < 117 ? 3 : n % 3];
             expectEqualsReference(Image::random(n, 3, random), kernel.weights, kernel.norm);
             expectEqualsReference(Image::random(3, n, random), kernel.weights, kernel.norm);
+        }
+    });
+}
+
+// Around the strips, bands and chunks that the ways of blurring take a picture in.
+TEST(GaussianBlur, EqualsReferenceAroundItsParts) {
+    onEveryTarget([] {
+        std::mt19937 random(28);
+        const reference::Kernel kernels[] = {gauss(1), gauss(2.5f), gauss(5), gauss(9.6f),
+                                             gauss(14)};
+        int round = 0;
+        for (const auto& [from, to] :
+             {std::pair(127, 131), {509, 548}, {1021, 1027}, {1500, 1502}}) {
+            for (int32_t n = from; n <= to; ++n) {
+                const reference::Kernel& kernel = kernels[round++ % 5];
+                expectEqualsReference(Image::random(n, 41, random), kernel.weights, kernel.norm);
+            }
+        }
+        for (const auto& [from, to] : {std::pair(61, 70), {127, 134}, {191, 195}}) {
+            for (int32_t n = from; n <= to; ++n) {
+                const reference::Kernel& kernel = kernels[round++ % 5];
+                expectEqualsReference(Image::random(45, n, random), kernel.weights, kernel.norm);
+            }
         }
     });
 }
