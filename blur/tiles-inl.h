@@ -20,7 +20,6 @@
 
 HWY_BEFORE_NAMESPACE();
 namespace android::HWY_NAMESPACE {
-namespace {
 
 constexpr size_t kGroup = 64 / kTileLines;  // tiles side by side in a column pass, four cache lines
 constexpr size_t kAhead = 16;  // rows fetched ahead in a column pass, whose rows lie pages apart
@@ -119,7 +118,6 @@ HWY_INLINE void blurTilesOfColumns(const BitmapStruct& bitmap, size_t group, uin
     copyLines(tile, kTileLines, width - x, height, bitmap.pixels + x, width);
 }
 
-}  // namespace
 }  // namespace android::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
