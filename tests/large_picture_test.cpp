@@ -72,11 +72,11 @@ TEST(LargePicture, IsBlurredToItsEnd) {
     EXPECT_TRUE(std::equal(rows.storage.begin() + kWidth, rows.storage.end(), end + kWidth));
 }
 
-// Lines longer than 16 bits count, by taps and by steps.
+// Lines longer than 16 bits count, in one sweep, by symmetric taps and by steps, whose tables move.
 TEST(LargePicture, HasLongLinesBlurred) {
     onEveryTarget([] {
         std::mt19937 random(52);
-        for (const float radius : {2.0f, 45.0f}) {
+        for (const float radius : {2.0f, 20.0f, 100.0f}) {
             const int32_t size = (static_cast<int32_t>(4 * radius) - 1) | 1;
             const reference::Kernel kernel = reference::calcuGaussianTemplate(size, radius);
             for (const auto& [width, height] :
@@ -89,6 +89,20 @@ TEST(LargePicture, HasLongLinesBlurred) {
                                        expected.storage.begin()))
                     << width << " x " << height << ", radius " << radius;
             }
+        }
+    });
+}
+
+// A table with more rows than 16 bits count: the mean of 65535 pixels, over an edge at 35000.
+TEST(LargePicture, HasWideKernelsBlurred) {
+    const std::vector<int32_t> kernel(65535, 1);
+    onEveryTarget([&] {
+        Image image(70000, 2, 0xFFFFFFFF);
+        for (int32_t x = 0; x < 35000; ++x) image.pixels[x] = image.pixels[70000 + x] = 0;
+        GaussianBlurEffect(&image, kernel.data(), 65535, 65535);
+        for (int32_t x = 0; x < 70000; ++x) {
+            const int32_t white = std::clamp(x + 32767 - 34999, 0, 65535);
+            ASSERT_EQ(image.pixels[x] & 0xFF, 255 * int64_t{white} / 65535) << "pixel " << x;
         }
     });
 }

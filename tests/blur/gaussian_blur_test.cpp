@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <numeric>
+
 #include "tests/reference/reference.h"
 #include "tests/support/every_target.h"
 #include "tests/support/fake_libc.h"
@@ -37,6 +39,8 @@ const Row kRows[] = {
     {"uniform", Pixels(6, 0x1E140A), kRadius10, 65521, Pixels(6, 0x1E140A)},
     {"transparent", Pixels(4, 0), kThree, 65535, Pixels(4, 0)},
     {"norm 0", Pixels(4, 0xFFFFFFFF), kThree, 0, Pixels(4, 0)},
+    // One less than 255 times a norm for which multiplying by the reciprocal is not exact any more.
+    {"norm too large", {0xFF, 0xFE, 0xFF, 0xFE}, {0, 65794, 1}, 65795, Pixels(4, 0xFE)},
     {"just negative", {0xFF, 0, 0xFF, 0}, {-1, 300, -1}, 300, {0xFC, 0, 0xFC, 0}},
     {"first tap: from the left and above", {1, 2, 3, 4}, {1, 0, 0}, 1, Pixels(4, 1)},
     {"last tap: from the right and below", {1, 2, 3, 4, 5, 6}, {0, 0, 1}, 1, {4, 4, 6, 6, 6, 6}},
@@ -216,6 +220,12 @@ TEST(GaussianBlur, EqualsReferenceForAnyPositiveKernel) {
         const int32_t norms[] = {65277, 65536, 600, 1001};
         for (int i = 0; i < 4; ++i) {
             expectEqualsReference(Image::random(23, 9, random), kernels[i], norms[i]);
+        }
+        for (const int32_t taps : {9, 41}) {  // rising all the way: heavier on the right throughout
+            Weights ramp(taps);
+            for (int32_t i = 0; i < taps; ++i) ramp[i] = i * (65536 / (taps * (taps - 1) / 2));
+            const int32_t sum = std::accumulate(ramp.begin(), ramp.end(), 0);
+            expectEqualsReference(Image::random(130, 101, random), ramp, sum);
         }
         for (const uint32_t norm : {65536u, 65535u, 65279u, 65278u, 40000u, 257u, 256u, 1u}) {
             for (const uint32_t size : {1u, 3u, 21u, 149u, 299u}) {
