@@ -5,8 +5,10 @@
 #include <memory>
 #include <new>
 
+#include "blur/dot_blur.h"
 #include "blur/folded_kernel.h"
 #include "blur/pass_plan.h"
+#include "blur/plan_support.h"
 #include "blur/step_blur.h"
 #include "blur/sweep_blur.h"
 #include "blur/symmetric_blur.h"
@@ -82,9 +84,12 @@ Method methodOf(const PassPlan& plan) {
     return {blurRowsByTaps, blurColumnsByTaps, tapScratchWords};
 }
 
-bool blurInOneSweep(BitmapStruct* bitmap, const SweepPlan& plan, size_t words) {
+// Carries out a plan of both passes at once with `words` of scratch; false when they cannot be had.
+template <typename Plan>
+bool blurAtOnce(BitmapStruct* bitmap, const Plan& plan, size_t words,
+                void (*blur)(const BitmapStruct&, const Plan&, uint32_t*)) {
     const std::unique_ptr<uint32_t[]> scratch(new (std::nothrow) uint32_t[words]);
-    if (scratch) blurBySweep(*bitmap, plan, scratch.get());
+    if (scratch) blur(*bitmap, plan, scratch.get());
     return scratch != nullptr;
 }
 
@@ -120,10 +125,21 @@ bool tryGaussianBlur(BitmapStruct* bitmap, const int32_t* kernel, int32_t size, 
     }
     if (!isPlainKernel(kernel, size, norm)) return blurAnyKernel(bitmap, kernel, size, norm);
 
+    const size_t width = static_cast<size_t>(bitmap->width);
+    const size_t height = static_cast<size_t>(bitmap->height);
+    if (hasDotProducts()) {
+        DotPlan dots;
+        if (!planDots(kernel, size, norm, bitmap->width, bitmap->height, &dots)) return false;
+        const size_t words = dots.groups > 0 ? dotScratchWords(dots, width, height) : 0;
+        const size_t held = words + dots.groups * kDotGroupBytes / sizeof(uint32_t);
+        if (words > 0 && held <= memoryBound(width, height, static_cast<size_t>(size))) {
+            return blurAtOnce(bitmap, dots, words, blurByDots);
+        }
+    }
     SweepPlan sweep;
     if (!planSweep(kernel, size, norm, bitmap->width, bitmap->height, &sweep)) return false;
     const size_t words = sweepScratchWords(sweep, *bitmap);
-    return words > 0 ? blurInOneSweep(bitmap, sweep, words)
+    return words > 0 ? blurAtOnce(bitmap, sweep, words, blurBySweep)
                      : blurInTwoPasses(bitmap, kernel, size, norm);
 }
 

@@ -52,6 +52,7 @@ const std::string kNoResult = " free _ZdaPv AES_cbc_encrypt OPENSSL_cleanse ";
 const std::string kNoReturn = " exit abort _ZN3hwy5AbortEPKciS1_z ";
 const std::string kNoFailure =
     " abs memchr memcmp memcpy memmove memset strcmp strlen sscanf isxdigit exp ferror getuid "
+    "getauxval "
     "_ZN3hwy16SupportedTargetsEv _ZN3hwy15GetChosenTargetEv ";
 
 constexpr size_t kBlock = 16384;  // bytes of one read of the statistics

@@ -37,6 +37,9 @@ if has "$header" AArch64; then
     # The compiler's runtime has a word in each; x86-64 has Highway's choice besides.
     data=$(size -A "$library" | awk '/^\.(data|bss) / { bytes += $2 } END { print bytes }')
     check 'the library holds no mutable data' test "${data:-none}" -le 16
+    # The linker would let every file use one that is compiled for dot products.
+    dots=$(readelf -sW "$(dirname "$library")/../CMakeFiles/zoren_runtime.dir/blur/dot_blur.cpp.o")
+    check 'the file for dot products shares no function' lacks "${dots:- WEAK }" ' WEAK '
     # paciasp, autiasp and bti c as they stand in the code, in more functions than the runtime has.
     for code in '3f\x23\x03' 'bf\x23\x03' '5f\x24\x03'; do
         check "functions hold $code" \
