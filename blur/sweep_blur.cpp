@@ -155,10 +155,12 @@ HWY_INLINE void blurLine(const uint16_t* line, const SweepPlan& plan, const Layo
     const uint16_t* const from = line + layout.front - reach;
     for (size_t b = 0; b < blocks; b += kSide) {
         SplitSum even[3 * kSide], odd[3 * kSide];
+#pragma GCC unroll 12
         for (size_t i = 0; i < 3 * kSide; ++i) even[i] = odd[i] = start;
         const auto addPair = [&](size_t p) HWY_ATTR {
             const auto evenWeights = weightsOf(weights[2 * p]),
                        oddWeights = weightsOf(weights[2 * p + 1]);
+#pragma GCC unroll 12
             for (size_t i = 0; i < 3 * kSide; ++i) {
                 const uint16_t* at = from + i % 3 * lineSize + (b + i / 3) * kBlock + 2 * p;
                 const auto pair = hn::LoadU(Lanes(), at);
@@ -172,6 +174,7 @@ HWY_INLINE void blurLine(const uint16_t* line, const SweepPlan& plan, const Layo
 #pragma GCC unroll 2
             for (size_t p = 0; p <= reach; ++p) addPair(p);
         }
+#pragma GCC unroll 12
         for (size_t i = 0; i < 3 * kSide; ++i) {
             const auto evenPixels = hn::ShiftRight<16>(quotientOf(even[i], divisor));
             const auto oddPixels = quotientOf(odd[i], divisor);
@@ -190,6 +193,7 @@ HWY_INLINE void addRows(const uint16_t* HWY_RESTRICT row, const SweepPlan& plan,
     constexpr ptrdiff_t kKnown = kReach;
     const ptrdiff_t reach = kKnown > 0 ? kKnown : plan.reach;
     const auto start = startOfSum<true>(plan.divisor);
+#pragma GCC unroll 12
     for (size_t r = 0; r < kRows; ++r) lower[r] = upper[r] = start;
     const auto load = [&](ptrdiff_t place) HWY_ATTR {
         return hn::Load(d16, row + place * static_cast<ptrdiff_t>(kBlock));
@@ -203,9 +207,11 @@ HWY_INLINE void addRows(const uint16_t* HWY_RESTRICT row, const SweepPlan& plan,
         upper[r].add(hn::InterleaveUpper(d16, a, b), weights);
     };
     const auto center = weightsOf(plan.columns[0]);
+#pragma GCC unroll 12
     for (size_t r = 0; r < kRows; ++r) add(r, load(static_cast<ptrdiff_t>(r)), two(r, 1), center);
     const auto addDistance = [&](ptrdiff_t distance) HWY_ATTR {
         const auto weights = weightsOf(plan.columns[static_cast<size_t>(distance / 2)]);
+#pragma GCC unroll 12
         for (size_t r = 0; r < kRows; ++r) {
             add(r, two(r, distance), two(r, distance + 1), weights);
         }
@@ -219,6 +225,7 @@ HWY_INLINE void addRows(const uint16_t* HWY_RESTRICT row, const SweepPlan& plan,
     }
     if (reach % 2 == 0) {
         const auto weights = weightsOf(plan.columns[static_cast<size_t>(reach / 2)]);
+#pragma GCC unroll 12
         for (size_t r = 0; r < kRows; ++r) add(r, two(r, reach), hn::Zero(d16), weights);
     }
 }
@@ -231,12 +238,15 @@ HWY_INLINE void blurBlock(const uint16_t* tile, const SweepPlan& plan, const Lay
     const Divisor divisor = plan.divisor;
     for (size_t y = 0; y < count; y += kRows) {
         PixelVector words[kRows][2];
+#pragma GCC unroll 12
         for (size_t c = 0; c < 3; ++c) {
             SplitSum lower[kRows], upper[kRows];
             addRows<kReach>(tile + c * layout.channel + y * kBlock, plan, lower, upper);
+#pragma GCC unroll 12
             for (size_t r = 0; r < kRows; ++r) {
                 const PixelVector quotients[] = {quotientOf(lower[r], divisor),
                                                  quotientOf(upper[r], divisor)};
+#pragma GCC unroll 12
                 for (size_t h = 0; h < 2; ++h) {
                     const auto q = quotients[h];
                     if (c == 0) {

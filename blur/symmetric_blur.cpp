@@ -39,6 +39,7 @@ HWY_INLINE void blurEight(const uint32_t* HWY_RESTRICT ahead, const PassPlan& pl
     const uint32_t* HWY_RESTRICT behind = ahead + kPairWords;
     const SplitSum start = startOfSum<kNear>(plan.divisor);
     SplitSum even[4] = {start, start, start, start}, odd[4] = {start, start, start, start};
+#pragma GCC unroll 12
     for (size_t i = 0; i < 4; ++i) {
         even[i].add(loadPair(behind + i * kEntryWords), weightsOf(plan.symmetric.centerEven));
         odd[i].add(loadPair(ahead + i * kEntryWords), weightsOf(plan.symmetric.centerOdd));
@@ -50,6 +51,7 @@ HWY_INLINE void blurEight(const uint32_t* HWY_RESTRICT ahead, const PassPlan& pl
                    oddWeights = weightsOf(weights[2 * t + 1]);
         const uint32_t* const far = ahead + t * kEntryWords;
         const uint32_t* const near = behind - t * kEntryWords;
+#pragma GCC unroll 12
         for (size_t i = 0; i < 4; ++i) {
             const auto pair = loadPair(far + i * kEntryWords);
             const auto early = loadPair(near + i * kEntryWords - kEntryWords);
@@ -58,6 +60,7 @@ HWY_INLINE void blurEight(const uint32_t* HWY_RESTRICT ahead, const PassPlan& pl
             odd[i].add(hn::Add(pair, late), oddWeights);
         }
     }
+#pragma GCC unroll 12
     for (size_t i = 0; i < 4; ++i) {
         const auto quotient = [&](const SplitSum& sum)
                                   HWY_ATTR { return divide<kNear>(sum.whole(), plan.divisor); };
