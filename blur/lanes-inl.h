@@ -152,8 +152,15 @@ HWY_INLINE PixelVector divide(PixelVector sum, const Divisor& divisor) {
 struct SplitSum {
     hn::Vec<hn::RebindToSigned<Pixels>> first, second;
     HWY_INLINE void add(LaneVector pair, hn::Vec<Halves> weights) {
+#if HWY_ARCH_ARM
+        // As instructions, because clang multiplies lower halves alone where it sees that those of
+        // the weights are alike, and first brings down the upper half of each pair.
+        __asm__("smlal %0.4s, %1.4h, %2.4h" : "+w"(first.raw) : "w"(pair.raw), "w"(weights.raw));
+        __asm__("smlal2 %0.4s, %1.8h, %2.8h" : "+w"(second.raw) : "w"(pair.raw), "w"(weights.raw));
+#else
         first = hn::ReorderWidenMulAccumulate(hn::RebindToSigned<Pixels>(),
                                               hn::BitCast(Halves(), pair), weights, first, second);
+#endif
     }
     HWY_INLINE PixelVector whole() const {
         return hn::BitCast(Pixels(), hn::RearrangeToOddPlusEven(first, second));
