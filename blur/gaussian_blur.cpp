@@ -94,10 +94,10 @@ bool blurAtOnce(BitmapStruct* bitmap, const Plan& plan, size_t words,
 }
 
 bool blurInTwoPasses(BitmapStruct* bitmap, const int32_t* kernel, int32_t size, int32_t norm) {
-    const size_t cost = tapPairCost();
+    const PassCosts costs = passCosts();
     PassPlan rowPlan, columnPlan;
-    if (!makePassPlan(kernel, size, norm, bitmap->width, bitmap->height, cost, &rowPlan) ||
-        !makePassPlan(kernel, size, norm, bitmap->height, bitmap->width, cost, &columnPlan)) {
+    if (!makePassPlan(kernel, size, norm, bitmap->width, bitmap->height, costs, &rowPlan) ||
+        !makePassPlan(kernel, size, norm, bitmap->height, bitmap->width, costs, &columnPlan)) {
         return false;
     }
     const size_t width = static_cast<size_t>(bitmap->width);

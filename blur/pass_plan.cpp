@@ -15,21 +15,15 @@ constexpr int32_t kSymmetricLength = 96;
 // Short lines under wide kernels may have one, which saves little.
 constexpr int32_t kNarrowReach = 24;
 
-// What 16 outputs of one channel cost, in hundredths of a nanosecond, measured beforehand on x86-64
-// with AVX2; only which is less counts, never a result. By taps it is the number of pairs, of which
-// symmetric ones cost six tenths. By steps it is the number of terms; each piece is widened and
-// added up; laying out a table costs a row an output, and two or three where the border is as long
-// as the line or twice. Not counted are the first output and what the window of the widest kernels
-// saves. The last number of each does not depend on the plan: reading the line, the division,
-// writing.
-bool stepsAreCheaper(const PassPlan& plan, size_t tapPairCost, int32_t length) {
+// A table costs a row an output, and two or three where the border is as long as the line or twice.
+// Not counted are the first output and what the window of the widest kernels saves.
+bool stepsAreCheaper(const PassPlan& plan, const PassCosts& costs, int32_t length) {
     const StepPlan& steps = plan.steps;
     const size_t rows = static_cast<size_t>((length + 2 * steps.reach + 6) / length);
-    const size_t stepCost =
-        18 * steps.termCount + 90 * steps.pieceCount + 15 * tableCount(steps) * rows + 1000;
-    const size_t pairs = tapPairCost * plan.taps.pairs * plan.taps.rounds;
-    const size_t tapCost = (plan.bySymmetricTaps() ? pairs * 6 / 10 : pairs) + 600;
-    return stepCost < tapCost;
+    const size_t stepCost = costs.term * steps.termCount + costs.piece * steps.pieceCount +
+                            costs.tableRow * tableCount(steps) * rows + costs.stepsRest;
+    const size_t pair = plan.bySymmetricTaps() ? costs.symmetricPair : costs.pair;
+    return stepCost < pair * plan.taps.pairs * plan.taps.rounds + costs.tapsRest;
 }
 
 }  // namespace
@@ -41,7 +35,7 @@ Divisor divisorOf(int32_t norm) {
 }
 
 bool makePassPlan(const int32_t* kernel, int32_t size, int32_t norm, int32_t length, int32_t lines,
-                  size_t tapPairCost, PassPlan* plan) {
+                  const PassCosts& costs, PassPlan* plan) {
     FoldedKernel folded;
     plan->divisor = divisorOf(norm);
     if (!foldKernel(kernel, size, length, &folded) || !planTaps(folded, &plan->taps)) return false;
@@ -56,7 +50,7 @@ bool makePassPlan(const int32_t* kernel, int32_t size, int32_t norm, int32_t len
         memoryBound(pixels, static_cast<size_t>(lines), taps) - kPlanWords * taps - 32 * pixels;
     const int32_t room = static_cast<int32_t>(std::min<size_t>(words / 16, INT32_MAX));
     if (!planSteps(folded, length, room, &plan->steps)) return false;
-    if (plan->bySteps() && !stepsAreCheaper(*plan, tapPairCost, length)) {
+    if (plan->bySteps() && !stepsAreCheaper(*plan, costs, length)) {
         plan->steps = StepPlan();
     }
     return true;

@@ -45,10 +45,20 @@ struct PassPlan {
     bool bySymmetricTaps() const { return symmetric.turns > 0; }
 };
 
-// Makes the plan for lines of `length` pixels under a plain kernel (isPlainKernel), where
-// a pair of taps costs `tapPairCost` (blur/tap_blur.h) and `lines` of them make the picture; false
-// when memory cannot be had.
+// What the parts of a pass cost, in one unit of the instruction set's own: only which way costs
+// less counts, never a result.
+struct PassCosts {
+    size_t pair;           // of taps
+    size_t symmetricPair;  // of a symmetric kernel's
+    size_t tapsRest;       // reading the line, the division, writing: what no plan changes
+    size_t term, piece;    // of steps; a piece is widened and added up
+    size_t tableRow;       // that is laid out for an output
+    size_t stepsRest;
+};
+
+// Makes the plan for lines of `length` pixels under a plain kernel (isPlainKernel), where `lines`
+// of them make the picture; false when memory cannot be had.
 bool makePassPlan(const int32_t* kernel, int32_t size, int32_t norm, int32_t length, int32_t lines,
-                  size_t tapPairCost, PassPlan* plan);
+                  const PassCosts& costs, PassPlan* plan);
 
 }  // namespace android

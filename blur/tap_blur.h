@@ -17,7 +17,7 @@ void blurColumnsByTaps(const BitmapStruct& bitmap, const PassPlan& plan, uint32_
 // The words of scratch for `lines` lines of `length` pixels.
 size_t tapScratchWords(const PassPlan& plan, size_t length, size_t lines);
 
-// What a pair of taps costs here, in hundredths of a nanosecond for 16 outputs of one channel.
-size_t tapPairCost();
+// What passes cost here, by taps and by the other ways.
+PassCosts passCosts();
 
 }  // namespace android
