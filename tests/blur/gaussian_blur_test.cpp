@@ -212,14 +212,15 @@ TEST(GaussianBlur, EqualsReferenceAtEveryRadius) {
 TEST(GaussianBlur, EqualsReferenceForAnyPositiveKernel) {
     onEveryTarget([] {
         std::mt19937 random(26);
-        // A norm whose complement is just too far; sums beyond the norm, of 17 bits and of 33.
-        const Weights kernels[] = {{20000, 25277, 20000},
-                                   {43690, 43690, 43691},
-                                   {300, 300, 300},
-                                   {INT32_MAX, INT32_MAX, 1003}};
-        const int32_t norms[] = {65277, 65536, 600, 1001};
-        for (int i = 0; i < 4; ++i) {
-            expectEqualsReference(Image::random(23, 9, random), kernels[i], norms[i]);
+        // A norm whose complement is just too far; sums beyond the norm, of 17 bits and of 33; a
+        // norm beyond 16 bits, whose rounded reciprocal would be one too much for some sums.
+        const reference::Kernel kernels[] = {{{20000, 25277, 20000}, 65277},
+                                             {{43690, 43690, 43691}, 65536},
+                                             {{300, 300, 300}, 600},
+                                             {{INT32_MAX, INT32_MAX, 1003}, 1001},
+                                             {{43690, 43690, 43691}, 131071}};
+        for (const reference::Kernel& kernel : kernels) {
+            expectEqualsReference(Image::random(23, 9, random), kernel.weights, kernel.norm);
         }
         for (const int32_t taps : {9, 41}) {  // rising all the way: heavier on the right throughout
             Weights ramp(taps);
