@@ -5,6 +5,7 @@
 #include <numeric>
 
 #include "tests/reference/reference.h"
+#include "tests/support/blur_way.h"
 #include "tests/support/every_target.h"
 #include "tests/support/fake_libc.h"
 #include "tests/support/fake_platform.h"
@@ -84,8 +85,9 @@ TEST(GaussianBlur, LeavesUntouched) {
 // Memory is taken before the first pixel is written, and sizes do not wrap at 32 bits.
 TEST(GaussianBlur, LeavesUntouchedWithoutMemory) {
     FakePlatform platform;
-    // By taps, by steps (a line of 140 under 199 taps), and under a kernel of neither.
-    for (const Weights& kernel : {kThree, gauss(50).weights, Weights{-1, 3, -1}}) {
+    // By taps, by steps, and under a kernel of neither.
+    ASSERT_EQ(blurWayOf(gauss(500), 140, 2), "by steps");
+    for (const Weights& kernel : {kThree, gauss(500).weights, Weights{-1, 3, -1}}) {
         const int tries = failEachAllocation([&](FakeLibc& libc) {
             Image image(140, 2, Pixels(280, 0x12345678));
             GaussianBlurEffect(&image, kernel.data(), static_cast<int32_t>(kernel.size()), 65535);

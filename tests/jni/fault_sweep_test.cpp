@@ -133,7 +133,7 @@ std::vector<Call> everyCall() {
     return {
         {"JNI_OnLoad", load, {"65540 4"}, "-1 0"},
         {"getBlurEffect by taps", blur<2, 0>, {"", {}, blurred(2, 7, 0)}, ""},
-        {"getBlurEffect by steps", blur<50, 0>, {"", {}, blurred(50, 199, 0)}, ""},
+        {"getBlurEffect by steps", blur<500, 0>, {"", {}, blurred(500, 1999, 0)}, ""},
         {"getBlurEffect and mask", blur<2, 1u << 30>, {"", {}, blurred(2, 7, 1u << 30)}, ""},
         {"getBitmapGray", gray, {std::to_string(reference::RGB2Gray(image))}},
         {"getBitmapColorCast", cast, {std::to_string(reference::BitmaptoColorCast(image, 50, 80))}},
