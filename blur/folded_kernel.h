@@ -8,7 +8,7 @@ namespace android {
 // Whether a kernel can be planned: weights that are not negative and add up to at most the norm,
 // and a norm of 257 to 65536 (from 257 on 2^40 / norm fits 32 bits). Then every weight and sum of
 // weights is at most 65536, every sum of weighted bytes at most 255 * 65536 < 2^24, and every
-// quotient a byte, which both ways of blurring and the division without dividing (blur/pass_plan.h)
+// quotient a byte, which all ways of blurring and the division without dividing (blur/pass_plan.h)
 // stand on. Any other kernel is blurred by blurAnyKernel (blur/gaussian_blur.cpp).
 bool isPlainKernel(const int32_t* kernel, int32_t size, int32_t norm);
 

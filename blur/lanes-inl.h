@@ -1,4 +1,4 @@
-// What the two ways of blurring lines share: lines as lanes, and the division. Included once per
+// What the ways of blurring share: lines as lanes, and the division. Included once per
 // instruction set.
 
 #if defined(ANDROID_BLUR_LANES_INL_H_) == defined(HWY_TARGET_TOGGLE)

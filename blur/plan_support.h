@@ -12,7 +12,7 @@ namespace android {
 inline size_t memoryBound(size_t rows, size_t columns, size_t taps) {
     return 64 * (rows + columns + taps);
 }
-constexpr size_t kPlanWords = 16;
+constexpr size_t kPlanWords = 24;
 
 // Gives `array` room for `count` zeros; false when memory cannot be had.
 template <typename T>

@@ -208,14 +208,16 @@ void addPiece(const Differences& differences, size_t begin, size_t end, StepPlan
 
 // Decides how many rows of the tables are laid out at a time, and lets the terms' rows count them.
 void placeTerms(int32_t length, int32_t room, StepPlan* plan) {
-    const int32_t span = spanOf(*plan), tables = static_cast<int32_t>(tableCount(*plan));
+    const int64_t span = spanOf(*plan), tables = static_cast<int64_t>(tableCount(*plan));
     const int32_t outputs = (length - 1 + kStepOutputs - 1) / kStepOutputs * kStepOutputs;
-    const int32_t rows = std::min(room, std::max(kCachedRows, 2 * span * tables)) / tables;
-    plan->chunk = std::min(outputs, (rows - span) / kStepOutputs * kStepOutputs);
-    plan->tableRows = span + plan->chunk;
+    const int64_t rows =
+        std::min<int64_t>(room, std::max<int64_t>(kCachedRows, 2 * span * tables)) / tables;
+    const int64_t most = (rows - span) / kStepOutputs * kStepOutputs;
+    plan->chunk = static_cast<int32_t>(std::min<int64_t>(outputs, most));
+    plan->tableRows = spanOf(*plan) + plan->chunk;
     for (size_t t = 0; t < plan->termCount; ++t) {
         int32_t& row = plan->terms[t].row;
-        row = row / span * plan->tableRows + row % span;
+        row = row / spanOf(*plan) * plan->tableRows + row % spanOf(*plan);
     }
 }
 

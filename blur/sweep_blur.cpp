@@ -1,7 +1,6 @@
 #include "blur/sweep_blur.h"
 
 #include <cstring>
-#include <type_traits>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "blur/sweep_blur.cpp"
@@ -105,7 +104,7 @@ HWY_INLINE void layOutRow(const Strip& strip, size_t y, size_t blocks, size_t re
         putPlanes(hn::LoadU(d, from), hn::LoadU(d, from + kTileLines), line + place,
                   layout.lineSize);
     };
-    uint32_t* const kept = strip.kept + y * layout.front;
+    uint32_t* const kept = layout.strips > 1 ? strip.kept + y * layout.front : nullptr;
     for (size_t place = 0; place < layout.front; place += kBlock) {
         if (strip.begin > 0) {
             put(place, kept + place);

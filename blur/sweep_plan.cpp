@@ -7,7 +7,7 @@
 namespace android {
 namespace {
 
-constexpr int32_t kWidestReach = 19;  // beyond it symmetric taps are faster everywhere
+constexpr int32_t kWidestReach = 19;  // of any instruction set (blur/sweep_blur.cpp)
 
 bool fits(const FoldedKernel& kernel) {
     const int32_t* const center = kernel.weights.get() + kernel.reach;

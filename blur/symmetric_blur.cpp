@@ -1,7 +1,6 @@
 #include "blur/symmetric_blur.h"
 
 #include <cstring>
-#include <type_traits>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "blur/symmetric_blur.cpp"

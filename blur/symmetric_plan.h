@@ -12,9 +12,11 @@ namespace android {
 // first and multiplied once. With k(i) the weight at distance i, an even output x = 2u and an odd
 // one x = 2u + 1 of a line, and u + t and u - t the numbers of pairs of pixels:
 //
-//     even   k(0) p(x)  +  sum over t of  k(2t+1) (p(x-2t-1) + p(x+2t+1)) + k(2t+2) (p(x-2t-2) +
-//     p(x+2t+2)) odd                  sum over t of  k(2t)   (p(x-2t)   + p(x+2t))   + k(2t+1)
-//     (p(x-2t-1) + p(x+2t+1))
+//     even   k(0) p(x) + sum over t of   k(2t+1) (p(x-2t-1) + p(x+2t+1))
+//                                      + k(2t+2) (p(x-2t-2) + p(x+2t+2))
+//
+//     odd                sum over t of   k(2t)   (p(x-2t)   + p(x+2t))
+//                                      + k(2t+1) (p(x-2t-1) + p(x+2t+1))
 //
 // The odd output's first term counts p(x) twice, so its weight is half of k(0); what an odd k(0)
 // loses by that is added on its own.

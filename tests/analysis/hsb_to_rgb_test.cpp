@@ -58,7 +58,7 @@ TEST(HsbToRgb, GivesTheseChannels) {
 // both percents are whole. Truncation hides the rounding of single precision wherever a channel is
 // no whole number. Where it is one, it may come out one less, and does so in these places:
 // p, the least channel, of three colours at every hue; q and t, which depend on the hue, in 382 and
-// 379 places, told by their digest.
+// 379 places, fixed by their digest.
 TEST(HsbToRgb, IsExactButWhereRoundingDecides) {
     enum { kV, kP, kQ, kT };
     constexpr int kOrder[6][3] = {{kV, kT, kP}, {kQ, kV, kP}, {kP, kV, kT},

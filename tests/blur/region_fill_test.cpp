@@ -76,13 +76,13 @@ TEST(RegionFill, LeavesSharedPixelsUntouched) {
             EXPECT_EQ(image.words(), Pixels(4, static_cast<uint32_t>(from) + 1));
         }
     }
-    // One row too many for the row offsets; not one word of it is there. Mapped first, the
-    // destination lies above the source, which its rows therefore do not reach.
-    Image destination(1, 1 << 15, 6);
-    const Image source(1 << 16, 1, 5);
-    ASSERT_LT(source.pixels, destination.pixels);
+    // One row too many for the row offsets; not one word of it is there. The destination lies above
+    // the source, which its rows therefore do not reach.
+    Image image(1, (1 << 16) + 1, 6);
+    const android::BitmapStruct source = {1 << 16, 1, image.pixels};
+    android::BitmapStruct destination = {1, 1 << 15, image.pixels + (1 << 16)};
     kHeighten(&source, &destination);
-    EXPECT_EQ(destination.words(), Pixels(1 << 15, 6));
+    EXPECT_EQ(image.words(), Pixels((1 << 16) + 1, 6));
 }
 
 }  // namespace

@@ -49,8 +49,9 @@ final class WholeFile {
     /**
      * Writes {@code target}, replacing what it was, by way of a temporary file in its folder. If
      * the writer fails, {@code target} is as before and the temporary file is gone. Where {@code
-     * target} is a symbolic link, the file it leads to is written; a link to nothing is refused. A
-     * file that is replaced passes its permissions on; a new one gets {@code permissions}.
+     * target} is a symbolic link of the user's own or of root's, the file it leads to is written;
+     * any other link is refused, and one to nothing. A file that is replaced passes its permissions
+     * on; a new one gets {@code permissions}.
      */
     static void write(Path target, Set<PosixFilePermission> permissions, Writer writer)
             throws Failure {
@@ -62,6 +63,9 @@ final class WholeFile {
             }
             if (!exists && Files.isSymbolicLink(target)) {
                 throw new Failure(target, "is a symbolic link that leads to nothing");
+            }
+            if (Files.isSymbolicLink(target) && !isTrusted(target)) {
+                throw new Failure(target, "is a symbolic link of another user");
             }
             final Path file = exists ? target.toRealPath() : target.toAbsolutePath();
             final Path folder = file.getParent();
@@ -94,6 +98,12 @@ final class WholeFile {
                 temporary.toFile().delete();
             }
         }
+    }
+
+    /** Tells whether a link was made by who runs this or by root; any other one may lead astray. */
+    private static boolean isTrusted(Path link) throws IOException {
+        final Object owner = Files.getAttribute(link, "unix:uid", LinkOption.NOFOLLOW_LINKS);
+        return owner.equals(0) || owner.equals(Files.getAttribute(Path.of("/proc/self"), "unix:uid"));
     }
 
     /**

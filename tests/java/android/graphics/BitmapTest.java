@@ -166,6 +166,7 @@ class BitmapTest {
         final Bitmap copy = Bitmap.createBitmap(2, 1, ARGB);
         copy.copyPixelsFromBuffer(buffer.clear().position(1));
         assertEquals(end, buffer.position());
+        assertEquals(buffer.capacity(), buffer.limit());
         assertTrue(copy.sameAs(bitmap));
     }
 

@@ -2,6 +2,7 @@ package zoren.cli;
 
 import static java.awt.image.BufferedImage.*;
 import static org.junit.jupiter.api.Assertions.*;
+import static org.junit.jupiter.api.Assumptions.assumeTrue;
 
 import java.io.IOException;
 import java.net.StandardProtocolFamily;
@@ -91,6 +92,19 @@ class WholeFileTest extends CliTest {
         assertTrue(Files.isSymbolicLink(file("target")) && Files.isSymbolicLink(file("link")));
         assertEquals(before, names(""));
         assertEquals(Set.of(), names("sub"));
+    }
+
+    /** Who may write to the folder must not choose what root overwrites there. */
+    @Test
+    void followsNoLinkOfAnotherUser() throws IOException {
+        Files.createSymbolicLink(file("target"), Path.of("old"));
+        try {
+            Files.setAttribute(file("target"), "unix:uid", 65534, LinkOption.NOFOLLOW_LINKS);
+        } catch (IOException e) {
+            assumeTrue(false, "only root gives a link away");
+        }
+        fails("seal ./in.xml ./target", "is a symbolic link of another user");
+        assertEquals("as it was", Files.readString(file("old")));
     }
 
     @Test
