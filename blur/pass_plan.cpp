@@ -19,8 +19,8 @@ constexpr int32_t kNarrowReach = 24;
 // Not counted are the first output and what the window of the widest kernels saves.
 bool stepsAreCheaper(const PassPlan& plan, const PassCosts& costs, int32_t length) {
     const StepPlan& steps = plan.steps;
-    const size_t rows =
-        static_cast<size_t>((int64_t{length} + 2 * steps.border + kStepOutputs - 2) / length);
+    const size_t rows = static_cast<size_t>(
+        (int64_t{length} + 2 * int64_t{steps.border} + kStepOutputs - 2) / length);
     const size_t stepCost = costs.term * steps.termCount + costs.piece * steps.pieceCount +
                             costs.tableRow * tableCount(steps) * rows + costs.stepsRest;
     const size_t pair = plan.bySymmetricTaps() ? costs.symmetricPair : costs.pair;
