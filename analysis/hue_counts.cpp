@@ -224,7 +224,7 @@ void countHues(const uint32_t* pixels, size_t count, int32_t bins[kHueBins]) {
         countCodes(lower, rounds, kLowerTables, sums);
         countCodes(upper, rounds, kUpperTables, upperSums);
     }
-    int32_t totals[kHueBins + 2];
+    int32_t totals[kHueBins + 2] = {};
     for (size_t p = 0; p < kLowerPairs + kUpperPairs; ++p) {
         uint64_t both = 0, first = 0;
         for (size_t lane = 0; lane < kBytes / 8; ++lane) {
