@@ -6,15 +6,18 @@
 
 #include <immintrin.h>
 
-// Two halves.
-__attribute__((always_inline, target("avx512bw"))) inline __m512i multiplyAddHalves(__m512i a,
-                                                                                    __m512i b) {
-    const __m256i lower = _mm256_madd_epi16(_mm512_castsi512_si256(a), _mm512_castsi512_si256(b));
-    const __m256i upper =
-        _mm256_madd_epi16(_mm512_extracti64x4_epi64(a, 1), _mm512_extracti64x4_epi64(b, 1));
-    return _mm512_inserti64x4(_mm512_castsi256_si512(lower), upper, 1);
-}
+// In two halves.
+#define ZOREN_BY_HALVES(name, half)                                                                \
+    __attribute__((always_inline, target("avx512bw"))) inline __m512i name(__m512i a, __m512i b) { \
+        const __m256i lower = half(_mm512_castsi512_si256(a), _mm512_castsi512_si256(b));          \
+        const __m256i upper =                                                                      \
+            half(_mm512_extracti64x4_epi64(a, 1), _mm512_extracti64x4_epi64(b, 1));                \
+        return _mm512_inserti64x4(_mm512_castsi256_si512(lower), upper, 1);                        \
+    }
+ZOREN_BY_HALVES(multiplyAddHalves, _mm256_madd_epi16)
+ZOREN_BY_HALVES(packHalves, _mm256_packs_epi32)
 #define _mm512_madd_epi16 multiplyAddHalves
+#define _mm512_packs_epi32 packHalves
 
 // Bit abc of the table is what becomes of bits a, b and c: a sum of products.
 #define ZOREN_PRODUCT(table, abc)                                                         \
