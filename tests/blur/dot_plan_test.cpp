@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "blur/folded_kernel.h"
-#include "blur/gaussian_kernel.h"
+#include "tests/reference/reference.h"
 
 // Certificates of the plans by dot products, as in tests/blur/plan_certificate_test.cpp.
 
@@ -57,13 +57,6 @@ bool certify(const Weights& weights, int32_t norm, int32_t width, int32_t height
     return true;
 }
 
-Weights gaussian(float radius) {
-    const int32_t size = (static_cast<int32_t>(4 * radius) - 1) | 1;
-    Weights kernel(size);
-    android::calcuGaussianTemplate(kernel.data(), size, radius);
-    return kernel;
-}
-
 int32_t sumOf(const Weights& weights) { return std::accumulate(weights.begin(), weights.end(), 0); }
 
 // The quotient never falls as the sum grows, so that it is right for every sum when it is where it
@@ -89,7 +82,7 @@ TEST(DotPlan, DividesEverySumByEveryNorm) {
 TEST(DotPlan, HoldsForEveryRadius) {
     int plans = 0, partlyHeavy = 0;
     for (float radius = 0.75f; radius < 120; radius *= 1.01f) {
-        const Weights kernel = gaussian(radius);
+        const Weights kernel = reference::gauss(radius).weights;
         for (const int32_t length : {4000, 23, 2}) {
             plans += certify(kernel, sumOf(kernel), length, 2);
             ASSERT_FALSE(testing::Test::HasFailure()) << "radius " << radius;

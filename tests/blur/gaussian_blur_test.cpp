@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <numeric>
-
 #include "tests/reference/reference.h"
 #include "tests/support/blur_way.h"
 #include "tests/support/every_target.h"
@@ -13,16 +11,13 @@
 namespace {
 
 using android::GaussianBlurEffect;
+using reference::gauss;
+using reference::Kernel;
 using Pixels = std::vector<uint32_t>;
 using Weights = std::vector<int32_t>;
 
 const Weights kThree = {17961, 29613, 17961};
-const Weights kRadius10 = reference::calcuGaussianTemplate(39, 10.0f).weights;
-
-// As the blur request derives it.
-reference::Kernel gauss(float radius) {
-    return reference::calcuGaussianTemplate((static_cast<int32_t>(4 * radius) - 1) | 1, radius);
-}
+const Weights kRadius10 = gauss(10).weights;
 
 struct Row {
     const char* name;
@@ -127,124 +122,104 @@ TEST(GaussianBlur, KeepsToItsMemory) {
     }
 }
 
-void expectEqualsReference(const Image& source, const Weights& weights, int32_t norm) {
-    const GuardedArray<int32_t> kernel(weights);
+void expectEqualsReference(const Image& source, const Kernel& kernel) {
+    const GuardedArray<int32_t> weights(kernel.weights);
     const int32_t size = static_cast<int32_t>(weights.size());
-    Image actual(source.width, source.height, source.words());
     Image expected(source.width, source.height, source.words());
-    GaussianBlurEffect(&actual, kernel.begin(), size, norm);
-    reference::GaussianBlurEffect(expected, kernel.begin(), size, norm);
-    ASSERT_EQ(actual.words(), expected.words())
-        << source.width << " x " << source.height << ", size " << size << ", norm " << norm;
-    ASSERT_TRUE(actual.storage.intact());
+    reference::GaussianBlurEffect(expected, weights.begin(), size, kernel.norm);
+    onEveryTarget([&] {
+        Image actual(source.width, source.height, source.words());
+        GaussianBlurEffect(&actual, weights.begin(), size, kernel.norm);
+        ASSERT_EQ(actual.words(), expected.words())
+            << source.width << " x " << source.height << ", size " << size << ", norm "
+            << kernel.norm;
+        ASSERT_TRUE(actual.storage.intact());
+    });
 }
 
-// Every remainder of every vector length, in both directions, under light and heavy weights.
+// Noise, or black and white, whose sums are the largest.
+Image noise(int32_t width, int32_t height, std::mt19937& random) {
+    Image image = Image::random(width, height, random);
+    if (random() % 2 == 0) {
+        for (uint32_t& word : image.storage) word = word % 2 * 0xFFFFFF;
+    }
+    return Image(width, height, image.words());
+}
+
+// Every remainder of every vector, tile, strip, band and chunk that a picture is taken in, in both
+// directions: `length` pixels by at least `across`, under one of the radii after the other. 56.5 is
+// 225 taps, one pixel less than which is a length of its own.
 TEST(GaussianBlur, EqualsReferenceAtEverySize) {
-    onEveryTarget([] {
-        std::mt19937 random(22);
-        const reference::Kernel kernels[] = {gauss(0.3f), gauss(0.76f), gauss(1), gauss(2.3f)};
-        for (int32_t n = 2; n <= 130; ++n) {
-            const reference::Kernel& kernel = kernels[n % 4];
-            expectEqualsReference(Image::random(n, 3 + n % 7, random), kernel.weights, kernel.norm);
-            expectEqualsReference(Image::random(3 + n % 7, n, random), kernel.weights, kernel.norm);
+    const struct {
+        int32_t from, to, across;
+        std::vector<float> radii;
+    } rows[] = {{2, 130, 3, {0.3f, 0.76f, 1, 2.3f, 5}},
+                {60, 150, 3, {60, 140, 500}},
+                {110, 116, 3, {56.5f}},
+                {126, 134, 41, {1, 2.5f, 5, 9.6f, 14}},
+                {191, 195, 41, {2.5f, 5, 9.6f}},
+                {255, 275, 3, {1, 2.5f, 8, 8.5f, 32.5f, 33}},
+                {509, 548, 41, {1, 2.5f, 5, 9.6f, 14}},
+                {767, 785, 3, {1, 8.5f, 32.5f, 33}},
+                {1021, 1027, 41, {1, 2.5f, 5, 9.6f, 14}}};
+    std::mt19937 random(22);
+    for (const auto& [from, to, across, radii] : rows) {
+        for (int32_t n = from; n <= to; ++n) {
+            const Kernel kernel = gauss(radii[n % radii.size()]);
+            expectEqualsReference(noise(n, across + n % 7, random), kernel);
+            expectEqualsReference(noise(across + n % 7, n, random), kernel);
+            if (HasFatalFailure()) return;
         }
-    });
+    }
 }
 
-// The same under kernels that long lines meet by steps.
-TEST(GaussianBlur, EqualsReferenceByStepsAtEverySize) {
-    onEveryTarget([] {
-        std::mt19937 random(27);
-        const reference::Kernel kernels[] = {gauss(60), gauss(140), gauss(500), gauss(56.5f)};
-        for (int32_t n = 60; n <= 150; ++n) {
-            // Among them one pixel less than a kernel of 225 taps, at 112 and around it.
-            const reference::Kernel& kernel = kernels[n / 112 % 2 == 1 && n < 117 ? 3 : n % 3];
-            expectEqualsReference(Image::random(n, 3, random), kernel.weights, kernel.norm);
-            expectEqualsReference(Image::random(3, n, random), kernel.weights, kernel.norm);
-        }
-    });
-}
-
-// Around the strips, bands and chunks that the ways of blurring take a picture in.
-TEST(GaussianBlur, EqualsReferenceAroundItsParts) {
-    onEveryTarget([] {
-        std::mt19937 random(28);
-        const reference::Kernel kernels[] = {gauss(1), gauss(2.5f), gauss(5), gauss(9.6f),
-                                             gauss(14)};
-        int round = 0;
-        for (const auto& [from, to] :
-             {std::pair(127, 131), {509, 548}, {1021, 1027}, {1500, 1502}}) {
-            for (int32_t n = from; n <= to; ++n) {
-                const reference::Kernel& kernel = kernels[round++ % 5];
-                expectEqualsReference(Image::random(n, 41, random), kernel.weights, kernel.norm);
-            }
-        }
-        for (const auto& [from, to] : {std::pair(61, 70), {127, 134}, {191, 195}}) {
-            for (int32_t n = from; n <= to; ++n) {
-                const reference::Kernel& kernel = kernels[round++ % 5];
-                expectEqualsReference(Image::random(45, n, random), kernel.weights, kernel.norm);
-            }
-        }
-    });
-}
-
-// Narrow kernels and wide ones, around the radius from which a line is blurred by steps, and wider
-// than the image by far; on noise, and on black and white, whose sums are the largest.
+// Every reach, and kernels wider than the picture by far.
 TEST(GaussianBlur, EqualsReferenceAtEveryRadius) {
-    onEveryTarget([] {
-        std::mt19937 random(24);
-        for (const float radius : {5.0f, 10.0f, 25.0f, 28.0f, 31.0f, 34.0f, 37.0f, 40.0f, 47.0f,
-                                   61.0f, 100.0f, 129.0f, 215.0f, 700.0f}) {
-            const reference::Kernel kernel = gauss(radius);
-            for (const auto& [width, height] : {std::pair(157, 9), {5, 149}, {61, 67}}) {
-                Image image = Image::random(width, height, random);
-                expectEqualsReference(image, kernel.weights, kernel.norm);
-                for (uint32_t& word : image.storage) word = word % 2 * 0xFFFFFF;
-                expectEqualsReference(image, kernel.weights, kernel.norm);
-            }
-        }
-        const reference::Kernel widest = gauss(23170.5f);
-        expectEqualsReference(Image::random(9, 5, random), widest.weights, widest.norm);
-    });
+    std::mt19937 random(24);
+    for (float radius = 0.75f; radius < 1000; radius += radius < 36 ? 0.5f : radius / 10) {
+        expectEqualsReference(noise(157, 9, random), gauss(radius));
+        expectEqualsReference(noise(19, 61 + random() % 140, random), gauss(radius));
+        if (HasFatalFailure()) return;
+    }
+    expectEqualsReference(noise(9, 5, random), gauss(23170.5f));
 }
 
 // Lopsided kernels that add up to their norm or less, from few heavy taps to many light ones, with
 // norms up to the limits of the division without dividing.
 TEST(GaussianBlur, EqualsReferenceForAnyPositiveKernel) {
-    onEveryTarget([] {
-        std::mt19937 random(26);
-        // A norm whose complement is just too far; sums beyond the norm, of 17 bits and of 33; a
-        // norm beyond 16 bits, whose rounded reciprocal would be one too much for some sums.
-        const reference::Kernel kernels[] = {{{20000, 25277, 20000}, 65277},
-                                             {{43690, 43690, 43691}, 65536},
-                                             {{300, 300, 300}, 600},
-                                             {{INT32_MAX, INT32_MAX, 1003}, 1001},
-                                             {{43690, 43690, 43691}, 131071}};
-        for (const reference::Kernel& kernel : kernels) {
-            expectEqualsReference(Image::random(23, 9, random), kernel.weights, kernel.norm);
+    std::mt19937 random(26);
+    // A norm whose complement is just too far; sums beyond the norm, of 17 bits and of 33; a norm
+    // beyond 16 bits, whose rounded reciprocal would be one too much for some sums.
+    for (const Kernel& kernel : {Kernel{{20000, 25277, 20000}, 65277},
+                                 {{43690, 43690, 43691}, 65536},
+                                 {{300, 300, 300}, 600},
+                                 {{INT32_MAX, INT32_MAX, 1003}, 1001},
+                                 {{43690, 43690, 43691}, 131071}}) {
+        expectEqualsReference(noise(23, 9, random), kernel);
+    }
+    for (const int32_t taps : {9, 41}) {  // rising all the way: heavier on the right throughout
+        Kernel ramp = {Weights(taps), 0};
+        for (int32_t i = 0; i < taps; ++i) {
+            ramp.norm += ramp.weights[i] = i * (65536 / (taps * (taps - 1) / 2));
         }
-        for (const int32_t taps : {9, 41}) {  // rising all the way: heavier on the right throughout
-            Weights ramp(taps);
-            for (int32_t i = 0; i < taps; ++i) ramp[i] = i * (65536 / (taps * (taps - 1) / 2));
-            const int32_t sum = std::accumulate(ramp.begin(), ramp.end(), 0);
-            expectEqualsReference(Image::random(130, 101, random), ramp, sum);
+        expectEqualsReference(noise(130, 101, random), ramp);
+    }
+    for (int round = 0; round < 200; ++round) {
+        const int32_t norms[] = {65536, 65535, 65278, 257, 256, 1, 1 + int32_t(random() % 65536)};
+        Kernel kernel = {Weights(1 + 2 * (random() % (round % 9 == 0 ? 150 : 40))),
+                         norms[random() % std::size(norms)]};
+        // In the middle heavy or light, dense or sparse; what is left goes to any tap, or nowhere.
+        uint32_t left = static_cast<uint32_t>(kernel.norm);
+        const uint32_t limit = std::max<uint32_t>(2, left >> random() % 12), gap = 1 + random() % 3;
+        for (size_t i = random() % kernel.weights.size(); i < kernel.weights.size(); i += gap) {
+            const uint32_t weight = std::min<uint32_t>(left, random() % limit);
+            kernel.weights[i] = static_cast<int32_t>(weight);
+            left -= weight;
         }
-        for (const uint32_t norm : {65536u, 65535u, 65279u, 65278u, 40000u, 257u, 256u, 1u}) {
-            for (const uint32_t size : {1u, 3u, 21u, 149u, 299u}) {
-                Weights kernel(size);
-                uint32_t left = norm;
-                for (int32_t& weight : kernel) {
-                    weight = static_cast<int32_t>(random() % (2 * norm / size + 2));
-                    weight = static_cast<int32_t>(std::min<uint32_t>(weight, left));
-                    left -= static_cast<uint32_t>(weight);
-                }
-                kernel[random() % size] += static_cast<int32_t>(left * (random() % 2));
-                const Image image = Image::random(23, 155, random);
-                expectEqualsReference(image, kernel, static_cast<int32_t>(norm));
-            }
-        }
-    });
+        kernel.weights[random() % kernel.weights.size()] += int32_t(left * (random() % 2));
+        expectEqualsReference(noise(round % 2 == 0 ? 270 : 23, 3, random), kernel);
+        expectEqualsReference(noise(17, 155, random), kernel);
+    }
 }
 
 }  // namespace

@@ -4,8 +4,8 @@
 #include <numeric>
 #include <random>
 
-#include "blur/gaussian_kernel.h"
 #include "blur/pass_plan.h"
+#include "tests/reference/reference.h"
 
 // Certificates: a plan is expanded back into what it computes and compared with the kernel that it
 // was made of, weight by weight. A plan that passes is right for every line there can be, so that
@@ -139,13 +139,6 @@ bool certify(const Weights& weights, int32_t length, int32_t room = 1 << 20) {
     return steps.terms != nullptr;
 }
 
-Weights gaussian(float radius) {
-    const int32_t size = (static_cast<int32_t>(4 * radius) - 1) | 1;
-    Weights kernel(size);
-    android::calcuGaussianTemplate(kernel.data(), size, radius);
-    return kernel;
-}
-
 // The example that blur/step_plan.h begins with: S(y-4) - 2 S(y-1) + S(y+2).
 TEST(StepPlan, TakesThreeTermsForTheExample) {
     const Weights weights = {1, 2, 3, 2, 1};
@@ -165,7 +158,7 @@ TEST(StepPlan, TakesThreeTermsForTheExample) {
 // Two tables of twice what an output takes are the least; with more room come the sums of
 // two, until all five tables have theirs, and no chunk is longer than the line.
 TEST(StepPlan, KeepsToItsRoom) {
-    const Weights weights = gaussian(60);
+    const Weights weights = reference::gauss(60).weights;
     const int32_t least = 2 * (2 * 119 + 3);
     for (const int32_t room :
          {2 * least - 1, 2 * least, 3 * least - 1, 3 * least, 6 * least, 9999}) {
@@ -178,7 +171,7 @@ TEST(PlanCertificate, HoldsForEveryRadius) {
     int bySteps = 0, plans = 0;
     // Evenly on a scale of powers, down to kernels too steep for steps, up to the widest there is.
     for (float radius = 2; radius < 23170; radius *= 1.002f) {
-        const Weights kernel = gaussian(radius);
+        const Weights kernel = reference::gauss(radius).weights;
         const int32_t half = static_cast<int32_t>(kernel.size()) / 2;
         const int32_t some = 2 + static_cast<int32_t>(random() % 400);
         for (const int32_t length : {some, half, half + 1, 2 * half}) {
@@ -195,7 +188,7 @@ TEST(PlanCertificate, HoldsForEveryRadius) {
 // Where the kernel begins to be wider than the line, and every remainder of the outputs.
 TEST(PlanCertificate, HoldsAroundTheFolds) {
     for (const float radius : {14.0f, 30.0f, 57.5f}) {
-        const Weights kernel = gaussian(radius);
+        const Weights kernel = reference::gauss(radius).weights;
         for (int32_t length = 2; length < static_cast<int32_t>(kernel.size()) + 9; ++length) {
             certify(kernel, length);
             ASSERT_FALSE(testing::Test::HasFailure()) << "radius " << radius;

@@ -63,6 +63,10 @@ Kernel calcuGaussianTemplate(int32_t size, float radius) {
     return kernel;
 }
 
+Kernel gauss(float radius) {
+    return calcuGaussianTemplate((static_cast<int32_t>(4 * radius) - 1) | 1, radius);
+}
+
 void GaussianBlurEffect(BitmapStruct& bitmap, const int32_t* kernel, int32_t size, int32_t norm) {
     if (bitmap.width < 2 || bitmap.height < 2 || size < 1 || size % 2 == 0) return;
     pass(bitmap, kernel, size, norm, 1, 0);

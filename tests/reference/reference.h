@@ -20,6 +20,7 @@ struct Kernel {
 
 // Gaussian weights with the correctly rounded exponential; none for a refused size.
 Kernel calcuGaussianTemplate(int32_t size, float radius);
+Kernel gauss(float radius);  // as a blur request derives it
 void GaussianBlurEffect(BitmapStruct& bitmap, const int32_t* kernel, int32_t size, int32_t norm);
 void addMask(BitmapStruct& bitmap, uint32_t color);
 void fillBitmapRegionHorizontal(const BitmapStruct& source, BitmapStruct& destination);

@@ -8,38 +8,22 @@
 #include <type_traits>
 #include <vector>
 
-// The instruction sets that the library is compiled for and this processor has.
-inline std::vector<int64_t> instructionSets() {
-#ifdef HWY_COMPILE_ONLY_STATIC
-    return {0};
-#else
-    return hwy::SupportedAndGeneratedTargets();
-#endif
-}
+// The instruction sets that the library is compiled for and this processor has, the best first. On
+// 64-bit ARM: by dot products of bytes, where it has those, and as if it had not.
+const std::vector<int64_t>& instructionSets();
 
 // Lets the library use this one of them alone; 0 for the best.
-inline void useInstructionSet(int64_t target) {
-#ifndef HWY_COMPILE_ONLY_STATIC
-    hwy::SetSupportedTargetsForTest(target);
-    hwy::GetChosenTarget().Update(hwy::SupportedTargets());
-#else
-    (void)target;
-#endif
-}
+void useInstructionSet(int64_t target);
 
-// The instruction sets under which something ran.
-inline int64_t& triedInstructionSets() {
-    static int64_t tried = 0;
-    return tried;
-}
+// Its name; what ran is told at the end of the tests.
+const char* nameOfTried(int64_t target);
 
 // Runs check(target), or check(), under each of them, named in what a failure prints.
 template <typename Check>
 void onEveryTarget(Check check) {
     for (const int64_t target : instructionSets()) {
-        SCOPED_TRACE(target == 0 ? "the only one" : hwy::TargetName(target));
+        SCOPED_TRACE(nameOfTried(target));
         useInstructionSet(target);
-        triedInstructionSets() |= target == 0 ? HWY_STATIC_TARGET : target;
         if constexpr (std::is_invocable_v<Check, int64_t>) {
             check(target);
         } else {
