@@ -85,9 +85,7 @@ void showFile(FakeLibc& libc, const std::string& content) {
 }
 
 void chooseInstructionSet(Bytes& bytes) {
-    const uint8_t choice = bytes.take<uint8_t>();
-    const std::vector<int64_t> targets = instructionSets();
-    useInstructionSet(targets[choice % targets.size()]);
+    useInstructionSet(instructionSets()[bytes.take<uint8_t>() % instructionSets().size()]);
 }
 
 // A file as it stands, or one that opens to the bytes.
@@ -101,11 +99,7 @@ void config(const uint8_t* data, size_t size) {
     }
     auto& [platform, libc] = surroundings();
     showFile(libc, file);
-    const jstring text =
-        platform.native<jstring(JNIEnv*, jobject)>("nativeGetConfigXML")(platform.env(), nullptr);
-    const std::optional<std::string> expected = reference::decryptConfig(file);
-    REQUIRE((text != nullptr) == expected.has_value());
-    REQUIRE(!expected || platform.newString == *expected);
+    REQUIRE(platform.config() == reference::decryptConfig(file));
     REQUIRE(libc.balanced());
     for (const std::string& line : platform.log) {
         REQUIRE(line == "4 zorenconfig: error zorenconfig file \n" ||
@@ -122,11 +116,8 @@ void statistics(const uint8_t* data, size_t size) {
     const std::string file = bytes.rest();
     auto& [platform, libc] = surroundings();
     showFile(libc, file);
-    std::string name = interface;
-    const jlong total =
-        platform.native<jlong(JNIEnv*, jclass, jstring, jint, jint)>("nativeGetIfaceUidStat")(
-            platform.env(), nullptr, FakePlatform::string(name), uid, selector);
-    REQUIRE(total == reference::ifaceUidStat(file, interface, uid, selector));
+    REQUIRE(platform.traffic(interface, uid, selector) ==
+            reference::ifaceUidStat(file, interface, uid, selector));
     REQUIRE(libc.balanced());
 }
 
@@ -189,8 +180,7 @@ void request(const uint8_t* data, size_t size) {
 
     auto& [platform, libc] = surroundings();
     platform.showBitmap(image);
-    platform.native<void(JNIEnv*, jobject, jobject, jfloat, uint32_t)>("getBlurEffect")(
-        platform.env(), nullptr, platform.bitmap(), radius, color);
+    platform.blur(radius, color);
     REQUIRE(image.words() == expected.words());
     REQUIRE(image.storage.intact());
     REQUIRE(platform.calls == (std::vector<std::string>{"getInfo", "lock", "unlock"}));
@@ -232,24 +222,11 @@ void region(const uint8_t* data, size_t size) {
     REQUIRE(actual.storage.intact());
 }
 
-void hsb(const uint8_t* data, size_t size) {
-    Bytes bytes(data, size);
-    const bool raw = bytes.take<uint8_t>() % 2 == 0;  // any bits, or values that occur
-    const auto value = [&](float unit) {
-        return raw ? bytes.take<float>() : static_cast<float>(bytes.take<int16_t>()) * unit;
-    };
-    const float h = value(0.03f), s = value(0.7e-4f), v = value(0.5e-4f);
-    int32_t actual[3], expected[3];
-    android::HSBtoRGB(actual[0], actual[1], actual[2], h, s, v);
-    reference::HSBtoRGB(expected[0], expected[1], expected[2], h, s, v);
-    REQUIRE(std::equal(actual, actual + 3, expected));
-}
-
 }  // namespace
 
-const NamedTarget kTargets[] = {
-    {"config", config}, {"statistics", statistics}, {"blur", blur}, {"request", request},
-    {"pixels", pixels}, {"region", region},         {"hsb", hsb}};
+const NamedTarget kTargets[] = {{"config", config}, {"statistics", statistics},
+                                {"blur", blur},     {"request", request},
+                                {"pixels", pixels}, {"region", region}};
 const size_t kTargetCount = std::size(kTargets);
 
 }  // namespace fuzz

@@ -37,8 +37,7 @@ TEST(BlurRequest, BlursThenMasks) {
             platform.showBitmap(image);
             size_t heldAtUnlock = 0;
             platform.atUnlock = [&] { heldAtUnlock = libc.heldBlocks(); };
-            platform.native<void(JNIEnv*, jobject, jobject, jfloat, uint32_t)>("getBlurEffect")(
-                platform.env(), nullptr, platform.bitmap(), radius, color);
+            platform.blur(radius, color);
             EXPECT_EQ(image.words(), expected.words());
             EXPECT_EQ(platform.calls, kBalanced);
             EXPECT_EQ(heldAtUnlock, size > 0 ? 1u : 0u) << "the kernel is freed last";

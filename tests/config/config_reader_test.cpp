@@ -30,13 +30,11 @@ std::string sealed(size_t count, const std::string& end) {
 std::string byte(int value) { return std::string(1, static_cast<char>(value)); }
 std::string xs(size_t count) { return std::string(count, 'x'); }
 
-// Empty for null; the fake's script and what came in stay with the fakes.
 std::optional<std::string> answer(FakePlatform& platform, FakeLibc& libc) {
-    const jstring result =
-        platform.native<jstring(JNIEnv*, jobject)>("nativeGetConfigXML")(platform.env(), nullptr);
+    std::optional<std::string> text = platform.config();
     EXPECT_TRUE(libc.balanced()) << "held " << libc.heldBlocks() << ", open " << libc.openFiles
                                  << ", wiped " << libc.keysWiped() << libc.plaintextWiped;
-    return result == nullptr ? std::nullopt : std::optional(platform.newString);
+    return text;
 }
 
 std::optional<std::string> ask(FakePlatform& platform, FakeLibc& libc, const std::string& content) {

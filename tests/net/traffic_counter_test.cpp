@@ -15,13 +15,6 @@ using Lines = std::vector<std::string>;
 const std::string kOpen = "fopen /proc/net/xt_qtaguid/stats r";
 const Lines kWhole = {"GetStringUTFChars", kOpen, "fclose", "ReleaseStringUTFChars"};
 
-jlong total(FakePlatform& platform, const char* name, jint uid, jint selector) {
-    std::string text = name != nullptr ? name : "";
-    return platform.native<jlong(JNIEnv*, jclass, jstring, jint, jint)>("nativeGetIfaceUidStat")(
-        platform.env(), nullptr, name != nullptr ? FakePlatform::string(text) : nullptr, uid,
-        selector);
-}
-
 const std::string kHeader =
     "idx iface acct_tag_hex uid_tag_int cnt_set rx_bytes rx_packets tx_bytes tx_packets rx_tcp\n";
 const std::string kStats = kHeader +
@@ -60,7 +53,7 @@ TEST(TrafficCounter, GivesTheseTotals) {
                                first.substr(2) + "2 wlan0 0x0 1000 0 10 20 30 40\n";
     struct Row {
         std::string file;
-        const char* name;
+        std::optional<std::string> name;
         jint uid, selector;
         jlong total;
         const char* failing = "";
@@ -110,7 +103,7 @@ TEST(TrafficCounter, GivesTheseTotals) {
         {"1 wlan0 0x 1000 0 1 1 1 1\n1 wlan0 0 1000 0 1 1 1 1\n1 wlan0 x0 1000 0 1 1 1 1\n",
          "wlan0", 1000, 0, 0},
         {kStats, "wlan0", 1000, 4, -1, "fclose"},
-        {kStats, nullptr, 1000, 4, -1, "", {"throw null"}},
+        {kStats, {}, 1000, 4, -1, "", {"throw null"}},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(testing::Message() << "row " << &row - rows);
@@ -119,7 +112,7 @@ TEST(TrafficCounter, GivesTheseTotals) {
         platform.failing = row.failing;
         const TemporaryFile file(row.file);
         libc.file = file.path();
-        EXPECT_EQ(total(platform, row.name, row.uid, row.selector), row.total);
+        EXPECT_EQ(platform.traffic(row.name, row.uid, row.selector), row.total);
         EXPECT_EQ(platform.calls, row.calls);
         EXPECT_EQ(platform.log, Lines{});
         EXPECT_TRUE(libc.balanced());
@@ -138,8 +131,8 @@ TEST(TrafficCounter, ReadsTheFileItOpened) {
                                       std::rename(second.path().c_str(), first.path().c_str()), 0);
                                   return stream;
                               }));
-    EXPECT_EQ(total(platform, "lo", 0, 2), 3);
-    EXPECT_EQ(total(platform, "lo", 0, 2), 70);
+    EXPECT_EQ(platform.traffic("lo", 0, 2), 3);
+    EXPECT_EQ(platform.traffic("lo", 0, 2), 70);
 }
 
 // What comes before an error counts, but for the line that the error cuts.
@@ -152,7 +145,7 @@ TEST(TrafficCounter, StopsAtAnError) {
         return fopencookie(&position, mode, {readByte, nullptr, nullptr, nullptr});
     };
     const ImportPatch replace("fopen", reinterpret_cast<void*>(+open));
-    EXPECT_EQ(total(platform, "lo", 0, 0), 1);
+    EXPECT_EQ(platform.traffic("lo", 0, 0), 1);
 }
 
 // Plain lines, and lines with an odd field, an odd byte or odd gaps, some longer than one read.
@@ -178,7 +171,7 @@ TEST(TrafficCounter, EqualsReference) {
         const TemporaryFile file(content);
         libc.file = file.path();
         const jlong expected = reference::ifaceUidStat(content, "wlan0", 1000, round % 4);
-        ASSERT_EQ(total(platform, "wlan0", 1000, round % 4), expected);
+        ASSERT_EQ(platform.traffic("wlan0", 1000, round % 4), expected);
     }
 }
 

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -50,6 +51,27 @@ class FakePlatform {
     template <typename Function>
     Function* native(const char* name) {
         return reinterpret_cast<Function*>(nativeAddress(name));
+    }
+
+    // The natives, called as Java calls them: on the bitmap that is shown, and with a name or null.
+    void blur(jfloat radius, uint32_t color) {
+        native<void(JNIEnv*, jobject, jobject, jfloat, uint32_t)>("getBlurEffect")(
+            env(), nullptr, bitmap(), radius, color);
+    }
+    jint gray() {
+        return native<jint(JNIEnv*, jobject, jobject)>("getBitmapGray")(env(), nullptr, bitmap());
+    }
+    jint cast(jint saturation, jint brightness) {
+        return native<jint(JNIEnv*, jobject, jobject, jint, jint)>("getBitmapColorCast")(
+            env(), nullptr, bitmap(), saturation, brightness);
+    }
+    std::optional<std::string> config() {
+        const bool given = native<jstring(JNIEnv*, jobject)>("nativeGetConfigXML")(env(), nullptr);
+        return given ? std::optional(newString) : std::nullopt;
+    }
+    jlong traffic(std::optional<std::string> interface, jint uid, jint selector) {
+        return native<jlong(JNIEnv*, jclass, jstring, jint, jint)>("nativeGetIfaceUidStat")(
+            env(), nullptr, interface ? string(*interface) : nullptr, uid, selector);
     }
 
     static FakePlatform& current();
