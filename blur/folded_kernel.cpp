@@ -17,6 +17,14 @@ bool isPlainKernel(const int32_t* kernel, int32_t size, int32_t norm) {
     return sum <= norm;
 }
 
+bool isSymmetric(const FoldedKernel& kernel) {
+    const int32_t* const center = kernel.weights.get() + kernel.reach;
+    for (int32_t i = 0; i <= kernel.reach; ++i) {
+        if (center[i] != center[-i] || center[i] > INT16_MAX) return false;
+    }
+    return true;
+}
+
 bool foldKernel(const int32_t* kernel, int32_t size, int32_t length, FoldedKernel* folded) {
     const int32_t half = (size - 1) / 2, reach = std::min(half, length - 1);
     folded->reach = reach;

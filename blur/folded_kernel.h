@@ -21,6 +21,9 @@ struct FoldedKernel {
     std::unique_ptr<int32_t[]> weights;
 };
 
+// Whether it is the same from both ends, and its weights fit a multiplication's signed 16 bits.
+bool isSymmetric(const FoldedKernel& kernel);
+
 // False when memory cannot be had.
 bool foldKernel(const int32_t* kernel, int32_t size, int32_t length, FoldedKernel* folded);
 

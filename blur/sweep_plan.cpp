@@ -9,14 +9,6 @@ namespace {
 
 constexpr int32_t kWidestReach = 19;  // of any instruction set (blur/sweep_blur.cpp)
 
-bool fits(const FoldedKernel& kernel) {
-    const int32_t* const center = kernel.weights.get() + kernel.reach;
-    for (int32_t i = 0; i <= kernel.reach; ++i) {
-        if (center[i] != center[-i] || center[i] > INT16_MAX) return false;
-    }
-    return true;
-}
-
 }  // namespace
 
 bool planSweep(const int32_t* kernel, int32_t size, int32_t norm, int32_t width, int32_t height,
@@ -29,7 +21,7 @@ bool planSweep(const int32_t* kernel, int32_t size, int32_t norm, int32_t width,
     }
     FoldedKernel folded;
     if (!foldKernel(kernel, size, width, &folded)) return false;
-    if (!fits(folded)) return true;
+    if (!isSymmetric(folded)) return true;
     const size_t words = static_cast<size_t>(reach) / 2 + 1;
     if (!planTaps(folded, &plan->rows) || !allocate(plan->columns, words)) return false;
     const int32_t* const center = folded.weights.get() + reach;

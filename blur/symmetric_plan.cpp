@@ -1,16 +1,12 @@
 #include "blur/symmetric_plan.h"
 
-#include <algorithm>
-
 #include "blur/plan_support.h"
 
 namespace android {
 
 bool planSymmetricTaps(const FoldedKernel& kernel, SymmetricPlan* plan) {
+    if (!isSymmetric(kernel)) return true;
     const int32_t* const center = kernel.weights.get() + kernel.reach;
-    for (int32_t i = 0; i <= kernel.reach; ++i) {
-        if (center[i] != center[-i] || center[i] > INT16_MAX) return true;
-    }
     plan->turns = static_cast<size_t>(kernel.reach) / 2 + 1;
     if (!allocate(plan->weights, 2 * plan->turns)) return false;
     const auto weight = [&](int32_t i) {

@@ -5,6 +5,7 @@
 #include <random>
 
 #include "blur/pass_plan.h"
+#include "blur/sweep_plan.h"
 #include "tests/reference/reference.h"
 
 // Certificates: a plan is expanded back into what it computes and compared with the kernel that it
@@ -113,28 +114,81 @@ void certifySteps(const FoldedKernel& kernel, int32_t length, int32_t room, cons
     ASSERT_EQ(carried, 0);
 }
 
-// Makes both plans of a kernel and certifies them. Tells whether there is one by steps.
+int64_t low(uint32_t pair) { return static_cast<int16_t>(pair); }
+int64_t high(uint32_t pair) { return static_cast<int16_t>(pair >> 16); }
+
+void certifyTaps(const FoldedKernel& kernel, const android::TapPlan& plan) {
+    for (int32_t tap = 0; tap <= 2 * kernel.reach; ++tap) {
+        int64_t even = 0, odd = 0;
+        for (size_t round = 0; round < plan.rounds; ++round) {
+            const uint32_t* const pairs = plan.weights.get() + 2 * plan.pairs * round;
+            even += low(pairs[tap / 2 * 2] >> tap % 2 * 16);
+            odd += low(pairs[(tap + 1) / 2 * 2 + 1] >> (tap + 1) % 2 * 16);
+        }
+        ASSERT_EQ(even, kernel.weights[tap]);
+        ASSERT_EQ(odd, kernel.weights[tap]);
+    }
+}
+
+// Each turn's two words, and the center's two, put back where their pixels lie.
+void certifySymmetricTaps(const FoldedKernel& kernel, const android::SymmetricPlan& plan) {
+    const int32_t turns = static_cast<int32_t>(plan.turns), reach = kernel.reach;
+    std::vector<int64_t> even(2 * turns + 1), odd(2 * turns + 1);  // by the distance
+    for (int32_t t = 0; t < turns; ++t) {
+        even[2 * t + 1] += low(plan.weights[2 * t]);
+        even[2 * t + 2] += high(plan.weights[2 * t]);
+        odd[2 * t] += low(plan.weights[2 * t + 1]) * (t == 0 ? 2 : 1);  // both are the same pixel
+        odd[2 * t + 1] += high(plan.weights[2 * t + 1]);
+    }
+    even[0] += high(plan.centerEven);
+    odd[0] += low(plan.centerOdd);
+    EXPECT_EQ(low(plan.centerEven), 0);
+    EXPECT_EQ(high(plan.centerOdd), 0);
+    for (int32_t distance = 0; distance <= 2 * turns; ++distance) {
+        const int64_t weight = distance <= reach ? kernel.weights[reach + distance] : 0;
+        ASSERT_EQ(even[distance], weight) << "distance " << distance;
+        ASSERT_EQ(odd[distance], weight) << "distance " << distance;
+        if (distance <= reach) {
+            ASSERT_EQ(weight, kernel.weights[reach - distance]);
+        }
+    }
+}
+
+void certifySweep(const FoldedKernel& kernel, const android::SweepPlan& plan) {
+    ASSERT_EQ(plan.reach, kernel.reach);
+    certifyTaps(kernel, plan.rows);
+    for (int32_t distance = 0; distance <= kernel.reach / 2 * 2 + 1; ++distance) {
+        const uint32_t pair = plan.columns[distance / 2];
+        const int64_t weight =
+            distance <= kernel.reach ? kernel.weights[kernel.reach + distance] : 0;
+        ASSERT_EQ(distance % 2 == 0 ? low(pair) : high(pair), weight) << "distance " << distance;
+    }
+}
+
+// Makes every plan of a kernel and certifies it. Tells whether there is one by steps.
 bool certify(const Weights& weights, int32_t length, int32_t room = 1 << 20) {
     SCOPED_TRACE(testing::Message()
                  << weights.size() << " taps, line of " << length << ", room " << room);
     FoldedKernel kernel;
     android::TapPlan taps;
+    android::SymmetricPlan symmetric;
+    android::SweepPlan sweep;
     StepPlan steps;
-    EXPECT_TRUE(foldKernel(weights.data(), static_cast<int32_t>(weights.size()), length, &kernel) &&
-                planTaps(kernel, &taps) && planSteps(kernel, length, room, &steps));
-    const int32_t count = 2 * kernel.reach + 1;
-    EXPECT_EQ(std::accumulate(kernel.weights.get(), kernel.weights.get() + count, int64_t{0}),
-              std::accumulate(weights.begin(), weights.end(), int64_t{0}));
-    for (int32_t tap = 0; tap < count; ++tap) {
-        int64_t even = 0, odd = 0;
-        for (size_t round = 0; round < taps.rounds; ++round) {
-            const uint32_t* const pairs = taps.weights.get() + 2 * taps.pairs * round;
-            even += static_cast<int16_t>(pairs[tap / 2 * 2] >> tap % 2 * 16);
-            odd += static_cast<int16_t>(pairs[(tap + 1) / 2 * 2 + 1] >> (tap + 1) % 2 * 16);
-        }
-        EXPECT_EQ(even, kernel.weights[tap]);
-        EXPECT_EQ(odd, kernel.weights[tap]);
-    }
+    const int32_t size = static_cast<int32_t>(weights.size());
+    const int64_t sum = std::accumulate(weights.begin(), weights.end(), int64_t{0});
+    EXPECT_TRUE(foldKernel(weights.data(), size, length, &kernel) && planTaps(kernel, &taps) &&
+                planSymmetricTaps(kernel, &symmetric) && planSteps(kernel, length, room, &steps));
+    EXPECT_TRUE(planSweep(weights.data(), size, 65536, length, length, &sweep));
+    const int32_t* const begin = kernel.weights.get();
+    const int32_t* const end = begin + 2 * kernel.reach + 1;
+    EXPECT_EQ(std::accumulate(begin, end, int64_t{0}), sum);
+    certifyTaps(kernel, taps);
+    const bool fits = std::equal(begin, end, std::make_reverse_iterator(end)) &&
+                      *std::max_element(begin, end) <= INT16_MAX;
+    EXPECT_EQ(symmetric.turns > 0, fits);
+    if (fits) certifySymmetricTaps(kernel, symmetric);
+    if (sweep.reach > 0) certifySweep(kernel, sweep);
+    EXPECT_EQ(sweep.reach > 0, fits && size > 1 && size <= 39 && size / 2 < length);
     if (steps.terms) certifySteps(kernel, length, room, steps);
     return steps.terms != nullptr;
 }
@@ -170,7 +224,7 @@ TEST(PlanCertificate, HoldsForEveryRadius) {
     std::mt19937 random(41);
     int bySteps = 0, plans = 0;
     // Evenly on a scale of powers, down to kernels too steep for steps, up to the widest there is.
-    for (float radius = 2; radius < 23170; radius *= 1.002f) {
+    for (float radius = 0.3f; radius < 23170; radius *= 1.002f) {
         const Weights kernel = reference::gauss(radius).weights;
         const int32_t half = static_cast<int32_t>(kernel.size()) / 2;
         const int32_t some = 2 + static_cast<int32_t>(random() % 400);
