@@ -178,7 +178,8 @@ TEST(GaussianBlur, EqualsReferenceAtEveryRadius) {
     std::mt19937 random(24);
     for (float radius = 0.75f; radius < 1000; radius += radius < 36 ? 0.5f : radius / 10) {
         expectEqualsReference(noise(157, 9, random), gauss(radius));
-        expectEqualsReference(noise(19, 61 + random() % 140, random), gauss(radius));
+        expectEqualsReference(noise(19, 61 + static_cast<int32_t>(random() % 140), random),
+                              gauss(radius));
         if (HasFatalFailure()) return;
     }
     expectEqualsReference(noise(9, 5, random), gauss(23170.5f));
@@ -205,18 +206,21 @@ TEST(GaussianBlur, EqualsReferenceForAnyPositiveKernel) {
         expectEqualsReference(noise(130, 101, random), ramp);
     }
     for (int round = 0; round < 200; ++round) {
-        const int32_t norms[] = {65536, 65535, 65278, 257, 256, 1, 1 + int32_t(random() % 65536)};
+        const int32_t norms[] = {
+            65536, 65535, 65278, 257, 256, 1, 1 + static_cast<int32_t>(random() % 65536)};
         Kernel kernel = {Weights(1 + 2 * (random() % (round % 9 == 0 ? 150 : 40))),
                          norms[random() % std::size(norms)]};
         // In the middle heavy or light, dense or sparse; what is left goes to any tap, or nowhere.
         uint32_t left = static_cast<uint32_t>(kernel.norm);
-        const uint32_t limit = std::max<uint32_t>(2, left >> random() % 12), gap = 1 + random() % 3;
+        const uint32_t limit = std::max<uint32_t>(2, left >> random() % 12),
+                       gap = random() % 2 == 0 ? 1 : 3;
         for (size_t i = random() % kernel.weights.size(); i < kernel.weights.size(); i += gap) {
-            const uint32_t weight = std::min<uint32_t>(left, random() % limit);
+            const uint32_t weight = std::min(left, static_cast<uint32_t>(random() % limit));
             kernel.weights[i] = static_cast<int32_t>(weight);
             left -= weight;
         }
-        kernel.weights[random() % kernel.weights.size()] += int32_t(left * (random() % 2));
+        kernel.weights[random() % kernel.weights.size()] +=
+            static_cast<int32_t>(random() % 2 == 0 ? left : 0);
         expectEqualsReference(noise(round % 2 == 0 ? 270 : 23, 3, random), kernel);
         expectEqualsReference(noise(17, 155, random), kernel);
     }
