@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Looks through every object of a build for AVX-VNNI's own coding of instructions. Highway lets the
-# compiler use it in the AVX-512 target, but a processor may have AVX-512 without it.
+# compiler use it in the AVX-512 target, but a processor may have AVX-512 without it. The measured
+# peak of the benchmarks must be one of 512-bit multiply-adds.
 # Usage: objects_test.sh COMPILE_COMMANDS
 set -u
 export LC_ALL=C
@@ -12,13 +13,17 @@ while read -r object; do
     seen=$((seen + 1))
     found='objdump failed'
     if code=$(objdump -d "$object"); then found=$(grep -F -m 3 -e '{vex}' <<<"$code"); fi
+    if [[ $object == */limits_bench.cpp.o ]] &&
+        ! grep -q 'vp\(dpwssd\|maddwd\) .*%zmm' <<<"$code"; then
+        found+=' no 512-bit multiply-add'
+    fi
     if [[ -n $found ]]; then
         wrong=$((wrong + 1))
         printf '%s:\n%s\n' "$object" "$found"
     fi
 done < <(cd "$(dirname "$commands")" &&
     sed -n "s|^ *\"command\":.* -o \([^ ]*\) -c .*|$PWD/\1|p" "${commands##*/}")
-echo "$seen objects, $wrong with instructions that not every processor with AVX-512 has"
+echo "$seen objects, $wrong wrong"
 if [[ $seen -gt 0 && $wrong -eq 0 ]]; then
     echo "1 checks passed, 0 failed"
 else
