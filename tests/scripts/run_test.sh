@@ -85,7 +85,8 @@ sources() { (cd "$tree" && find "$@" -name '*.cpp' | wc -l); }
 mkdir -p "$tree/build/x" && touch "$tree/build/x/made.cpp"
 check 'format' "$(sources analysis bench blur config fuzz jni net platform tests)" \
     "$("$tree/scripts/format" | grep -c '\.cpp$')"
-check 'check' "0 $(sources jni blur analysis config net platform)" "$("$tree/scripts/check" >"$work/check.log" 2>&1
+# Two files are for 64-bit ARM alone.
+check 'check' "0 $(($(sources jni blur analysis config net platform) - 2))" "$("$tree/scripts/check" >"$work/check.log" 2>&1
     echo "$? $(grep -o '[^ ]*\.cpp' "$work/made/log" | sort -u | wc -l)")"
 echo "$ok checks passed, $bad failed"
 [ "$bad" -eq 0 ] || { cat "$work/check.log"; exit 1; }
