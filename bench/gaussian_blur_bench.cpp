@@ -19,27 +19,14 @@ void addBlur(Size size, float sigma) {
     });
 }
 
-// All that a request takes: its kernel, the kernel's scratch, the blur's.
-void blurOnce(Size size, float sigma) {
-    std::vector<int32_t> kernel(static_cast<size_t>(kernelSize(sigma)));
-    const int32_t taps = static_cast<int32_t>(kernel.size());
-    const int32_t norm = android::calcuGaussianTemplate(kernel.data(), taps, sigma);
-    android::BitmapStruct bitmap = canvas(size);
-    android::GaussianBlurEffect(&bitmap, kernel.data(), taps, norm);
-}
-
 const Suite suite([] {
     for (const Size size : sizes()) {
         for (const float sigma : sigmas(size)) addBlur(size, sigma);
-    }
-    if (!quick()) {  // between the methods, and the largest radii
-        for (const float sigma : {35.f, 70.f, 200.f, 500.f, 2500.f, 10000.f, 20000.f}) {
-            addBlur({1080, 1920}, sigma);
-        }
+        for (const float sigma : furtherSigmas(size)) addBlur(size, sigma);
     }
     const Size size = sizes().back();
     for (const float sigma : {1.f, 10.f, 25.f, 100.f, 1000.f, 20000.f}) {
-        addMemory("zoren", size, sigmaName(sigma), [=] { blurOnce(size, sigma); });
+        addMemory("zoren", size, sigma, [=] { blurWhole(canvas(size), sigma); });
     }
 });
 

@@ -1,11 +1,15 @@
 // OpenCV beside the routines: the same kernel sizes, on one thread. Its filters write another
 // picture, ours the same one.
 
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <map>
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 #include <vector>
 
+#include "analysis/gray_level.h"
 #include "bench/support.h"
 
 namespace {
@@ -40,10 +44,20 @@ Work filter(Size size, float sigma) {
     };
 }
 
+// The channels' means hold the gray level that ours rounds down.
+Difference grayDifference(Size size, const cv::Scalar& means) {
+    const android::BitmapStruct bitmap = picture(size);
+    const double gray = 0.299 * means[0] + 0.587 * means[1] + 0.114 * means[2];
+    const double distance = std::abs(gray - android::RGB2Gray(&bitmap));
+    return {distance, distance};
+}
+
 void addMeasures(Size size) {
     const cv::Mat from = matrix(picture(size), CV_8UC4);
-    add("gray", "cv::mean", size, "",
-        [=]() -> Work { return [=] { benchmark::DoNotOptimize(cv::mean(from)); }; });
+    add(
+        "gray", "cv::mean", size, "",
+        [=]() -> Work { return [=] { benchmark::DoNotOptimize(cv::mean(from)); }; }, 0,
+        [=] { return grayDifference(size, cv::mean(from)); });
     // A histogram of all pixels' hues: without the tests of saturation and brightness.
     add("cast", "cv HSV and histogram", size, "", [=]() -> Work {
         return [from, hsv = cv::Mat(), counts = cv::Mat()]() mutable {
@@ -59,21 +73,34 @@ void addMeasures(Size size) {
 
 const Suite suite([] {
     cv::setNumThreads(1);
+    // Its list of processor features is made before the program begins, from the environment.
+    if (options().kind == Kind::kAvx2 && cv::checkHardwareSupport(CV_CPU_AVX512_SKX)) {
+        std::fprintf(stderr, "zoren_bench: --avx2 needs OPENCV_CPU_DISABLE=AVX512-SKX\n");
+        std::exit(1);
+    }
     for (const Size size : sizes()) {
         for (const float sigma : sigmas(size)) {
-            const std::string name = sigmaName(sigma);
-            addPeer("blur", "cv::GaussianBlur", size, name,
-                    [=](Size part) { return blur(part, sigma, true); });
-            addPeer("blur", "cv::GaussianBlur, 3 channels", size, name,
-                    [=](Size part) { return blur(part, sigma, false); });
-            addPeer("blur", "cv::sepFilter2D", size, name,
-                    [=](Size part) { return filter(part, sigma); });
+            const auto check = [=](int32_t channels) -> Check {
+                return [=] {
+                    const auto* result = reinterpret_cast<const uint8_t*>(canvas(size).pixels);
+                    return blurDifference(size, sigma, result, channels);
+                };
+            };
+            addPeerBlur(
+                "cv::GaussianBlur", size, sigma, [=](Size part) { return blur(part, sigma, true); },
+                check(4));
+            addPeerBlur(
+                "cv::GaussianBlur, 3 channels", size, sigma,
+                [=](Size part) { return blur(part, sigma, false); }, check(3));
+            addPeerBlur(
+                "cv::sepFilter2D", size, sigma, [=](Size part) { return filter(part, sigma); },
+                check(4));
         }
         addMeasures(size);
     }
     const Size size = sizes().back();
     for (const float sigma : {1.f, 10.f, 25.f}) {
-        addMemory("cv::GaussianBlur", size, sigmaName(sigma), [=] {
+        addMemory("cv::GaussianBlur", size, sigma, [=] {
             cv::Mat to;
             cv::GaussianBlur(matrix(picture(size), CV_8UC4), to,
                              {kernelSize(sigma), kernelSize(sigma)}, sigma, sigma,

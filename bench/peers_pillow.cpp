@@ -5,6 +5,7 @@
 #include <Python.h>
 
 #include <cstdlib>
+#include <functional>
 #include <memory>
 
 #include "bench/support.h"
@@ -19,39 +20,49 @@ PyObject* evaluated(PyObject* value) {
     return value;
 }
 
-// Blurs one picture, read once beforehand.
-Work blur(Size size, float sigma) {
-    static PyObject* image = evaluated(PyImport_ImportModule("PIL.Image"));
-    static PyObject* filters = evaluated(PyImport_ImportModule("PIL.ImageFilter"));
+using Object = std::shared_ptr<PyObject>;  // copies share one reference
+
+Object owned(PyObject* value) {
+    return {evaluated(value), [](PyObject* p) { Py_DECREF(p); }};
+}
+
+// Returns a function that blurs one picture, read once beforehand.
+std::function<Object()> blur(Size size, float sigma) {
+    static const Object image = owned(PyImport_ImportModule("PIL.Image"));
+    static const Object filters = owned(PyImport_ImportModule("PIL.ImageFilter"));
     const android::BitmapStruct bitmap = picture(size);
-    PyObject* bytes = evaluated(PyBytes_FromStringAndSize(
+    const Object bytes = owned(PyBytes_FromStringAndSize(
         reinterpret_cast<const char*>(bitmap.pixels), Py_ssize_t{4} * size.width * size.height));
-    PyObject* from = evaluated(
-        PyObject_CallMethod(image, "frombytes", "s(ii)O", "RGBA", size.width, size.height, bytes));
-    Py_DECREF(bytes);
-    PyObject* filter =
-        evaluated(PyObject_CallMethod(filters, "GaussianBlur", "d", static_cast<double>(sigma)));
-    // Copies of the work share one pair of references.
-    const std::shared_ptr<PyObject> image1(from, [](PyObject* p) { Py_DECREF(p); });
-    const std::shared_ptr<PyObject> filter1(filter, [](PyObject* p) { Py_DECREF(p); });
-    return [=] {
-        Py_DECREF(evaluated(PyObject_CallMethod(image1.get(), "filter", "O", filter1.get())));
-    };
+    const Object from = owned(PyObject_CallMethod(image.get(), "frombytes", "s(ii)O", "RGBA",
+                                                  size.width, size.height, bytes.get()));
+    const Object filter =
+        owned(PyObject_CallMethod(filters.get(), "GaussianBlur", "d", static_cast<double>(sigma)));
+    return [=] { return owned(PyObject_CallMethod(from.get(), "filter", "O", filter.get())); };
+}
+
+Difference pillowDifference(Size size, float sigma) {
+    const Object bytes = owned(PyObject_CallMethod(blur(size, sigma)().get(), "tobytes", nullptr));
+    return blurDifference(size, sigma,
+                          reinterpret_cast<const uint8_t*>(PyBytes_AsString(bytes.get())), 4);
+}
+
+void addBlur(Size size, float sigma) {
+    addPeerBlur(
+        "Pillow", size, sigma, [=](Size part) -> Work { return blur(part, sigma); },
+        [=] { return pillowDifference(size, sigma); });
 }
 
 const Suite suite([] {
+    if (options().kind == Kind::kAvx2) return;  // has no wider vectors anyway
     Py_InitializeEx(0);
     for (const Size size : sizes()) {
-        for (const float sigma : sigmas(size)) {
-            addPeer("blur", "Pillow", size, sigmaName(sigma),
-                    [=](Size part) { return blur(part, sigma); });
-        }
+        for (const float sigma : sigmas(size)) addBlur(size, sigma);
+        for (const float sigma : furtherSigmas(size)) addBlur(size, sigma);
     }
+    if (options().kind != Kind::kMemory) return;
     const Size size = sizes().back();
-    for (const float sigma : {1.f, 25.f, 1000.f}) {
-        const Work work = blur(size, sigma);
-        addMemory("Pillow", size, sigmaName(sigma), work);
-    }
+    for (const float sigma : {1.f, 25.f, 1000.f})
+        addMemory("Pillow", size, sigma, blur(size, sigma));
 });
 
 }  // namespace
