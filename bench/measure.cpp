@@ -1,4 +1,4 @@
-// How one benchmark is registered and measured.
+// What is measured, and how one benchmark is registered and measured.
 
 #include <algorithm>
 #include <chrono>
@@ -45,6 +45,28 @@ std::string fullName(const std::string& routine, const std::string& whose, Size 
 }
 
 }  // namespace
+
+std::vector<Size> sizes() {
+    if (options().quick) return {{64, 64}, {256, 256}};
+    return {{64, 64}, {256, 256}, {1080, 1920}, {4000, 3000}};
+}
+
+std::vector<float> sigmas(Size size) {
+    if (options().quick) return {1, 10, 25, 100};
+    if (size.width == 4000) return {1, 2.5f, 5, 10, 25, 100, 150, 1000};
+    return {1, 2.5f, 5, 10, 25, 50, 100, 150, 250, 1000};
+}
+
+std::vector<float> furtherSigmas(Size size) {
+    if (size.width != 1080) return {};
+    return {35, 70, 200, 500, 2500, 10000, 20000};
+}
+
+std::string sigmaName(float sigma) {
+    char name[32];
+    std::snprintf(name, sizeof name, "%g", static_cast<double>(sigma));
+    return name;
+}
 
 int repetitions() { return options().quick ? 3 : 9; }
 

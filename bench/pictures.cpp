@@ -1,12 +1,11 @@
-// The pictures that are measured, and how far a result lies from the defined one.
+#include "bench/pictures.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <map>
 #include <memory>
+#include <vector>
 
-#include "bench/support.h"
 #include "blur/gaussian_blur.h"
 #include "blur/gaussian_kernel.h"
 
@@ -27,31 +26,9 @@ uint32_t* buffer(Buffers& buffers, Size size) {
 
 }  // namespace
 
-std::vector<Size> sizes() {
-    if (options().quick) return {{64, 64}, {256, 256}};
-    return {{64, 64}, {256, 256}, {1080, 1920}, {4000, 3000}};
-}
-
-std::vector<float> sigmas(Size size) {
-    if (options().quick) return {1, 10, 25, 100};
-    if (size.width == 4000) return {1, 2.5f, 5, 10, 25, 100, 150, 1000};
-    return {1, 2.5f, 5, 10, 25, 50, 100, 150, 250, 1000};
-}
-
-std::vector<float> furtherSigmas(Size size) {
-    if (size.width != 1080) return {};
-    return {35, 70, 200, 500, 2500, 10000, 20000};
-}
-
 int32_t kernelSize(float sigma) {
     const int32_t taps = static_cast<int32_t>(4 * sigma);
     return taps % 2 == 0 ? taps - 1 : taps;
-}
-
-std::string sigmaName(float sigma) {
-    char name[32];
-    std::snprintf(name, sizeof name, "%g", static_cast<double>(sigma));
-    return name;
 }
 
 android::BitmapStruct canvas(Size size) {

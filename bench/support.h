@@ -7,16 +7,12 @@
 #include <string>
 #include <vector>
 
-#include "jni/bitmap_struct.h"
+#include "bench/pictures.h"
 
-// What the benchmarks share: sizes, pictures, names, and how one is measured.
+// What the benchmarks share: what is measured, names, and how one is measured.
 //
 // A benchmark is called "<routine>/<whose>/<width>x<height>[/<parameter>]"; the report goes by
 // that.
-
-struct Size {
-    int32_t width, height;
-};
 
 // What a run of the program measures: times; the memory of a blur; or, held to AVX2, the times of
 // the blurs that a peer makes as a Gaussian.
@@ -28,36 +24,12 @@ struct Options {
 };
 Options& options();
 
-// pictures.cpp
+// measure.cpp
 std::vector<Size> sizes();  // an icon, a thumbnail, a screen, a camera's picture
 std::vector<float> sigmas(Size size);
 std::vector<float> furtherSigmas(Size size);  // between the methods, and the largest radii
 std::string sigmaName(float sigma);
 
-// The taps a blur request takes for a standard deviation: 4 * sigma, less one when even.
-int32_t kernelSize(float sigma);
-
-// The picture of a size, made once: smooth colours under a little noise, as a photo has them.
-// `picture` is never written; `canvas` is one buffer per size, for whoever writes.
-android::BitmapStruct picture(Size size);
-android::BitmapStruct canvas(Size size);
-
-// How far colours lie from the defined ones, in steps of a byte: at most, and their mean.
-struct Difference {
-    double largest = 0, mean = 0;
-};
-
-// That of `result`, `channels` bytes a pixel of which the first three count, from `defined`.
-Difference difference(const android::BitmapStruct& defined, const uint8_t* result,
-                      int32_t channels);
-
-// That from the blur of the size's picture.
-Difference blurDifference(Size size, float sigma, const uint8_t* result, int32_t channels);
-
-// All that a blur request does to the pixels: its kernel, the kernel's scratch, the blur.
-void blurWhole(const android::BitmapStruct& bitmap, float sigma);
-
-// measure.cpp
 // Registers one benchmark: `prepare` runs outside the time and returns the work of one iteration.
 // `bytes` are what an iteration must move at least. `check` runs once, outside the time, when the
 // work has just been done, and says how far its result is from the defined one.
