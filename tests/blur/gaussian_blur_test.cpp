@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "tests/reference/reference.h"
-#include "tests/support/blur_way.h"
 #include "tests/support/every_target.h"
 #include "tests/support/fake_libc.h"
 #include "tests/support/fake_platform.h"
@@ -30,10 +29,6 @@ struct Row {
 const Row kRows[] = {
     {"one tap", {0x01020304, 0, 0x80FFFFFF, 0xFF}, {65536}, 65536, {0x020304, 0, 0xFFFFFF, 0xFF}},
     {"light", {0xFFFFFF, 0, 0, 0}, kThree, 65535, {0x868686, 0x323232, 0x323232, 0x121212}},
-    {"far taps", {0xFFFFFF, 0, 0, 0}, kRadius10, 65521, {0x444444, 0x3F3F3F, 0x3F3F3F, 0x3A3A3A}},
-    {"red column", {0xFF, 0, 0xFF, 0}, kThree, 65535, {0xB9, 0x45, 0xB9, 0x45}},
-    {"uniform", Pixels(6, 0x1E140A), kRadius10, 65521, Pixels(6, 0x1E140A)},
-    {"transparent", Pixels(4, 0), kThree, 65535, Pixels(4, 0)},
     {"norm 0", Pixels(4, 0xFFFFFFFF), kThree, 0, Pixels(4, 0)},
     // One less than 255 times a norm for which multiplying by the reciprocal is not exact any more.
     {"norm too large", {0xFF, 0xFE, 0xFF, 0xFE}, {0, 65794, 1}, 65795, Pixels(4, 0xFE)},
@@ -58,37 +53,30 @@ TEST(GaussianBlur, GivesThesePixels) {
 }
 
 TEST(GaussianBlur, LeavesUntouched) {
-    const int32_t rows[][3] = {{1, 12, 3},
-                               {12, 1, 3},
-                               {1, 1, 1},
-                               {0, 0, 3},
-                               {9, 9, 4},
-                               {9, 9, 0},
-                               {9, 9, -1},
-                               {9, 9, -3},
-                               {9, 9, -4},
-                               {9, 9, INT32_MIN},
-                               {9, 9, INT32_MIN + 1}};
-    for (const auto& [width, height, size] : rows) {
+    const auto check = [](int32_t width, int32_t height, int32_t size) {
         Image image(width, height, 0x12345678);
         GaussianBlurEffect(&image, kRadius10.data(), size, 65536);
         EXPECT_EQ(image.words(), Pixels(image.storage.size(), 0x12345678))
             << width << " x " << height << ", size " << size;
-    }
+    };
+    for (const auto& [width, height] : {std::pair(1, 12), {12, 1}, {0, 0}}) check(width, height, 3);
+    for (const int32_t size : {4, 0, -1, -3, -4, INT32_MIN, INT32_MIN + 1}) check(9, 9, size);
 }
 
-// Memory is taken before the first pixel is written, and sizes do not wrap at 32 bits.
+// Under a kernel of no plan; those with one are in the fault sweep.
 TEST(GaussianBlur, LeavesUntouchedWithoutMemory) {
-    FakePlatform platform;
-    // By taps, by steps, and under a kernel of neither.
-    ASSERT_EQ(blurWayOf(gauss(500), 140, 2), "by steps");
-    for (const Weights& kernel : {kThree, gauss(500).weights, Weights{-1, 3, -1}}) {
-        const int tries = failEachAllocation([&](FakeLibc& libc) {
-            Image image(140, 2, Pixels(280, 0x12345678));
-            GaussianBlurEffect(&image, kernel.data(), static_cast<int32_t>(kernel.size()), 65535);
-            EXPECT_EQ(image.words() == Pixels(280, 0x12345678), libc.allocationFailed());
-        });
-        EXPECT_GT(tries, 1);
+    bool failed = true;
+    for (int failing = 1; failed; ++failing) {
+        FakePlatform platform;
+        FakeLibc libc;
+        platform.failing = "_ZnamRKSt9nothrow_t";
+        platform.failingCall = failing;
+        Image image(140, 2, 0x12345678);
+        GaussianBlurEffect(&image, Weights{-1, 3, -1}.data(), 3, 65535);
+        failed = platform.reached[platform.failing] >= failing;
+        EXPECT_EQ(image.words() == Pixels(280, 0x12345678), failed);
+        EXPECT_TRUE(libc.balanced());
+        EXPECT_TRUE(failed || failing > 1);
     }
 }
 
@@ -96,22 +84,12 @@ TEST(GaussianBlur, LeavesUntouchedWithoutMemory) {
 TEST(GaussianBlur, KeepsToItsMemory) {
     Weights zigzag(199, 0);  // changes as many and as large as steps can take
     for (size_t i = 1; i < zigzag.size(); i += 2) zigzag[i] = 257;
-    const Weights kernels[] = {kThree,
-                               zigzag,
-                               gauss(2.5f).weights,
-                               gauss(10).weights,
-                               gauss(60).weights,
-                               gauss(400).weights};
-    for (const Weights& kernel : kernels) {
+    const std::pair<int32_t, int32_t> sizes[] = {{2, 2},    {17, 3},   {100, 100}, {33, 64},
+                                                 {64, 100}, {600, 40}, {56, 1000}, {1100, 30}};
+    for (const float radius : {0.0f, 1.0f, 2.5f, 10.0f, 60.0f, 400.0f}) {
+        const Weights kernel = radius > 0 ? gauss(radius).weights : zigzag;
         const int32_t size = static_cast<int32_t>(kernel.size());
-        for (const auto& [width, height] : {std::pair(2, 2),
-                                            {17, 3},
-                                            {100, 100},
-                                            {33, 64},
-                                            {64, 100},
-                                            {600, 40},
-                                            {56, 1000},
-                                            {1100, 30}}) {
+        for (const auto& [width, height] : sizes) {
             FakePlatform platform;
             FakeLibc libc;
             Image image(width, height, 0x336699);
@@ -204,25 +182,6 @@ TEST(GaussianBlur, EqualsReferenceForAnyPositiveKernel) {
             ramp.norm += ramp.weights[i] = i * (65536 / (taps * (taps - 1) / 2));
         }
         expectEqualsReference(noise(130, 101, random), ramp);
-    }
-    for (int round = 0; round < 200; ++round) {
-        const int32_t norms[] = {
-            65536, 65535, 65278, 257, 256, 1, 1 + static_cast<int32_t>(random() % 65536)};
-        Kernel kernel = {Weights(1 + 2 * (random() % (round % 9 == 0 ? 150 : 40))),
-                         norms[random() % std::size(norms)]};
-        // In the middle heavy or light, dense or sparse; what is left goes to any tap, or nowhere.
-        uint32_t left = static_cast<uint32_t>(kernel.norm);
-        const uint32_t limit = std::max<uint32_t>(2, left >> random() % 12),
-                       gap = random() % 2 == 0 ? 1 : 3;
-        for (size_t i = random() % kernel.weights.size(); i < kernel.weights.size(); i += gap) {
-            const uint32_t weight = std::min(left, static_cast<uint32_t>(random() % limit));
-            kernel.weights[i] = static_cast<int32_t>(weight);
-            left -= weight;
-        }
-        kernel.weights[random() % kernel.weights.size()] +=
-            static_cast<int32_t>(random() % 2 == 0 ? left : 0);
-        expectEqualsReference(noise(round % 2 == 0 ? 270 : 23, 3, random), kernel);
-        expectEqualsReference(noise(17, 155, random), kernel);
     }
 }
 

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
 #include <climits>
 
 #include "tests/reference/reference.h"
@@ -68,17 +66,17 @@ TEST(ConfigReader, AnswersOrReports) {
         {"16 MiB", sealed(kMiB16 - 1, byte(1)), xs(kMiB16 - 1), {pad(1)}},
         {"beyond 16 MiB", xs(kMiB16 + 16), {}, {kFault}},
         {"empty", "", {}, {kFault}},
-        {"one byte", "x", {}, {kFault}},
-        {"one block", sealed(12, byte(4) + byte(4) + byte(4) + byte(4)), xs(12), {pad(4)}},
         {"no UTF-8",
          sealed(5, "\xFF\xC3\x28\xED\xA0\x80\xE2\x82\xF0\x9F\x01"),
          xs(5) + "\xFF\xC3\x28\xED\xA0\x80\xE2\x82\xF0\x9F",
          {pad(1)}},  // as it stands
         {"cut off while it is read", sealed(31, byte(1)), {}, {kFault}, "", 48},
         {"grown while it is read", sealed(15, byte(2) + xs(16)), xs(14), {pad(2)}, "", 16},
-        {"15 bytes", kFile.substr(0, 15), {}, {kFault}},
         {"17 bytes", kFile.substr(0, 17), {}, {kFault}},
+        {"no pad, a zero", sealed(15, byte(0)), xs(15), {pad(0)}},
+        {"pad of all", sealed(15, byte(16)), "", {pad(16)}},
         {"pad beyond the text", sealed(15, byte(17)), {}, {pad(17), kFault}},
+        {"the longest pad", sealed(271, byte(255)), xs(17), {pad(255)}},
         {"not readable", kFile, {}, {kCannotRead, kFault}, "access", 0, {kAccess}},
         {"4 GiB more than read", kFile, {}, {kFault}, "", (1L << 32) + 32},
         {"position beyond any length", kFile, {}, {kFault}, "", LONG_MAX},
@@ -92,47 +90,6 @@ TEST(ConfigReader, AnswersOrReports) {
         EXPECT_TRUE(ask(platform, libc, row.file) == row.text);  // too long to print
         EXPECT_EQ(platform.calls, row.text ? kAnswered : row.calls);
         EXPECT_EQ(platform.log, row.log);
-    }
-}
-
-// What a path may be that is no configuration.
-TEST(ConfigReader, SurvivesOddFiles) {
-    const TemporaryFile sparse(""), another("");
-    ASSERT_EQ(truncate(sparse.path().c_str(), 1L << 32), 0);
-    struct {
-        std::string path;
-        Lines log;
-    } const rows[] = {
-        {sparse.path(), {kFault}},
-        {"/tmp", {kFault}},  // a folder, which opens
-        {"/dev/null", {kFault}},
-        {"/dev/zero", {kFault}},  // no end
-        {another.path() + "/below", {kCannotRead, kFault}},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.path);
-        FakePlatform platform;
-        FakeLibc libc;
-        libc.file = row.path;
-        EXPECT_EQ(answer(platform, libc), std::nullopt);
-        EXPECT_EQ(platform.log, row.log);
-    }
-}
-
-// Every count of padding at every length: a text, or a fault where it is longer than the text.
-TEST(ConfigReader, TakesEveryCountAtEveryLength) {
-    for (size_t length = 16; length <= 512; length += 16) {
-        for (int count = 0; count <= 255; ++count) {
-            FakePlatform platform;
-            FakeLibc libc;
-            const size_t padding = static_cast<size_t>(count);
-            std::optional<std::string> text;  // without padding it ends before the zero count
-            if (padding <= length) text = xs(length - std::max<size_t>(padding, 1));
-            ASSERT_EQ(ask(platform, libc, sealed(length - 1, byte(count))), text)
-                << length << ' ' << count;
-            ASSERT_EQ(platform.log,
-                      padding > length ? Lines({pad(count), kFault}) : Lines{pad(count)});
-        }
     }
 }
 

@@ -16,24 +16,14 @@ std::vector<std::string> everything(uint32_t seed, Image& shared) {
     FakePlatform platform;
     std::mt19937 random(seed);
     Image own = Image::random(61, 43, random);
-    std::vector<std::string> answers;
     platform.showBitmap(own);
-    platform.native<void(JNIEnv*, jobject, jobject, jfloat, uint32_t)>("getBlurEffect")(
-        platform.env(), nullptr, platform.bitmap(), static_cast<float>(seed * seed), 0x60FF8800);
-    answers.emplace_back(reinterpret_cast<char*>(own.pixels), 4 * own.storage.size());
+    platform.blur(static_cast<float>(seed * seed), 0x60FF8800);
     platform.showBitmap(shared);
-    const auto gray = platform.native<jint(JNIEnv*, jobject, jobject)>("getBitmapGray");
-    answers.push_back(std::to_string(gray(platform.env(), nullptr, platform.bitmap())));
-    answers.push_back(std::to_string(
-        platform.native<jint(JNIEnv*, jobject, jobject, jint, jint)>("getBitmapColorCast")(
-            platform.env(), nullptr, platform.bitmap(), 70, static_cast<jint>(seed))));
-    platform.native<jstring(JNIEnv*, jobject)>("nativeGetConfigXML")(platform.env(), nullptr);
-    answers.push_back(platform.newString);
-    std::string name = "lo";
-    answers.push_back(std::to_string(
-        platform.native<jlong(JNIEnv*, jclass, jstring, jint, jint)>("nativeGetIfaceUidStat")(
-            platform.env(), nullptr, FakePlatform::string(name), static_cast<jint>(seed), 0)));
-    return answers;
+    return {{reinterpret_cast<char*>(own.pixels), 4 * own.storage.size()},
+            std::to_string(platform.gray()),
+            std::to_string(platform.cast(70, static_cast<jint>(seed))),
+            platform.config().value_or("null"),
+            std::to_string(platform.traffic("lo", static_cast<jint>(seed), 0))};
 }
 
 // As many threads as four a processor, and every answer equals that of one thread alone.

@@ -22,6 +22,7 @@ constexpr size_t kLargestBlock = size_t{1} << 30;  // a larger allocation fails
 FakeLibc* active = nullptr;
 std::map<uint8_t*, size_t> held;  // blocks of the library and their bytes
 const uint8_t* plaintext = nullptr;
+bool readFailed = false;                // the last one
 std::map<const uint8_t*, size_t> keys;  // the schedule and the copy of the key that begins a file
 
 bool fails(const char* call) { return FakePlatform::current().fails(call); }
@@ -30,8 +31,7 @@ void record(const std::string& call) { FakePlatform::current().calls.push_back(c
 
 template <typename Allocate>
 void* take(const char* call, size_t bytes, Allocate allocate) {
-    const bool failed = ++active->allocations == active->failingAllocation || fails(call);
-    if (failed || bytes > kLargestBlock) return nullptr;
+    if (fails(call) || bytes > kLargestBlock) return nullptr;
     void* block = allocate();
     held[static_cast<uint8_t*>(block)] = bytes;
     active->peakBytes = std::max(
@@ -54,6 +54,7 @@ void* give(void* block) {
 
 size_t readBlock(void* buffer, size_t size, size_t count, FILE* stream) {
     const size_t lost = fails("fread") ? 1 : fails("fread nothing") ? count : 0;
+    readFailed = lost > 0;
     return std::fread(buffer, size, count - lost, stream);
 }
 
@@ -120,6 +121,7 @@ void FakeLibc::patchFiles() {
     patch("rewind", [](FILE* stream) {
         if (!fails("rewind")) std::rewind(stream);
     });
+    patch("ferror", [](FILE* stream) { return readFailed ? 1 : std::ferror(stream); });
     // These two are called by other names where the library is compiled with checks of its buffers.
     patch("fread", readBlock);
     patch("__fread_chk", [](void* buffer, size_t, size_t size, size_t count, FILE* stream) {

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
 
@@ -16,21 +14,16 @@ class FakeLibc {
     ~FakeLibc();
 
     // The script.
-    std::string file;           // the path that takes the place of any other
-    unsigned uid = 0;           // of the process
-    long position = 0;          // what ftell says; 0 for the truth
-    int failingAllocation = 0;  // counted from 1; 0 for none
+    std::string file;   // the path that takes the place of any other
+    unsigned uid = 0;   // of the process
+    long position = 0;  // what ftell says; 0 for the truth
 
     // What came in.
-    int allocations = 0;  // asked for, failed ones included
     int openFiles = 0;
     bool plaintextWiped = true;  // false while it lies in memory
     bool keysWiped() const;
     size_t heldBlocks() const;
     size_t peakBytes = 0;  // the most that was held at a time
-    bool allocationFailed() const {
-        return failingAllocation > 0 && allocations >= failingAllocation;
-    }
 
     // Nothing is held, open or left readable.
     bool balanced() const {
@@ -49,19 +42,6 @@ class FakeLibc {
     FakeLibc* const previous_;
     std::vector<ImportPatch> patches_;
 };
-
-// Lets the first allocation of `attempt(libc)` fail, in another attempt the second, and so on up to
-// the attempt that meets no failure. Returns how many attempts that took.
-template <typename Attempt>
-int failEachAllocation(Attempt attempt) {
-    for (int tries = 1;; ++tries) {
-        FakeLibc libc;
-        libc.failingAllocation = tries;
-        attempt(libc);
-        EXPECT_TRUE(libc.balanced()) << "allocation " << tries;
-        if (!libc.allocationFailed()) return tries;
-    }
-}
 
 // Puts `content` in a file that lasts as long as the object.
 class TemporaryFile {

@@ -46,7 +46,7 @@ int AndroidBitmap_unlockPixels(JNIEnv* env, jobject bitmap) {
     FakePlatform& platform = record("unlock", env, bitmap);
     if (platform.atUnlock) platform.atUnlock();
     --platform.held;
-    return platform.fails("AndroidBitmap_unlockPixels") ? -1 : platform.unlockResult;
+    return platform.fails("AndroidBitmap_unlockPixels") ? -1 : 0;
 }
 
 int __android_log_print(int priority, const char* tag, const char* format, ...) {

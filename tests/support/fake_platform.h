@@ -26,7 +26,7 @@ class FakePlatform {
     // The script.
     jint getEnvResult = JNI_OK;
     AndroidBitmapInfo info = {};
-    int infoResult = 0, lockResult = 0, unlockResult = 0;
+    int infoResult = 0, lockResult = 0;
     uint32_t* pixels = nullptr;
     std::function<void()> atUnlock;
     std::string failing;  // the call that reports failure, also one of the C library or libcrypto

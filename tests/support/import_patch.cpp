@@ -30,6 +30,25 @@ ElfW(Addr) entryOf(const link_map& library, ElfW(Sxword) tag) {
     return 0;
 }
 
+// Calls visit(symbol, name, slot) for each address that the loader puts into the library's table.
+template <typename Visit>
+void visitSlots(Visit visit) {
+    const link_map* library = runtimeLibrary();
+    const auto* symbols = reinterpret_cast<const ElfW(Sym)*>(entryOf(*library, DT_SYMTAB));
+    const auto* names = reinterpret_cast<const char*>(entryOf(*library, DT_STRTAB));
+    for (const auto& [table, size] : {std::pair{DT_RELA, DT_RELASZ}, {DT_JMPREL, DT_PLTRELSZ}}) {
+        const auto* rela = reinterpret_cast<const ElfW(Rela)*>(entryOf(*library, table));
+        const auto* end = rela + entryOf(*library, size) / sizeof(*rela);
+        for (; rela != end; ++rela) {
+            const auto type = ELF64_R_TYPE(rela->r_info);
+            if (type != kJumpSlot && type != kGlobalData) continue;
+            const ElfW(Sym)& symbol = symbols[ELF64_R_SYM(rela->r_info)];
+            visit(symbol, names + symbol.st_name,
+                  reinterpret_cast<void**>(library->l_addr + rela->r_offset));
+        }
+    }
+}
+
 // The table is read-only once the loader is done with it (full RELRO); it stays writable after.
 void store(void** slot, void* value) {
     const auto page = static_cast<uintptr_t>(sysconf(_SC_PAGESIZE));
@@ -41,37 +60,20 @@ void store(void** slot, void* value) {
 }  // namespace
 
 std::vector<std::string> ImportPatch::functions() {
-    const link_map* library = runtimeLibrary();
-    const auto* symbols = reinterpret_cast<const ElfW(Sym)*>(entryOf(*library, DT_SYMTAB));
-    const auto* names = reinterpret_cast<const char*>(entryOf(*library, DT_STRTAB));
-    // Its second word: the first symbol that can be looked up here; those before it are imported.
-    const uint32_t count = reinterpret_cast<const uint32_t*>(entryOf(*library, DT_GNU_HASH))[1];
     std::vector<std::string> functions;
-    for (uint32_t i = 1; i < count; ++i) {
-        const auto type = ELF64_ST_TYPE(symbols[i].st_info);
-        if (symbols[i].st_shndx == SHN_UNDEF && type != STT_OBJECT && type != STT_TLS)
-            functions.push_back(names + symbols[i].st_name);
-    }
+    visitSlots([&](const ElfW(Sym) & symbol, const char* name, void**) {
+        if (symbol.st_shndx == SHN_UNDEF && ELF64_ST_TYPE(symbol.st_info) != STT_OBJECT)
+            functions.push_back(name);
+    });
     return functions;
 }
 
 ImportPatch::ImportPatch(const char* symbol, void* replacement) {
-    const link_map* library = runtimeLibrary();
-    const auto* symbols = reinterpret_cast<const ElfW(Sym)*>(entryOf(*library, DT_SYMTAB));
-    const auto* names = reinterpret_cast<const char*>(entryOf(*library, DT_STRTAB));
-    for (const auto& [table, size] : {std::pair{DT_RELA, DT_RELASZ}, {DT_JMPREL, DT_PLTRELSZ}}) {
-        const auto* rela = reinterpret_cast<const ElfW(Rela)*>(entryOf(*library, table));
-        const auto* end = rela + entryOf(*library, size) / sizeof(*rela);
-        for (; rela != end; ++rela) {
-            const auto type = ELF64_R_TYPE(rela->r_info);
-            if (type != kJumpSlot && type != kGlobalData) continue;
-            const char* name = names + symbols[ELF64_R_SYM(rela->r_info)].st_name;
-            if (std::strcmp(name, symbol) != 0) continue;
-            auto* slot = reinterpret_cast<void**>(library->l_addr + rela->r_offset);
-            slots_.push_back({slot, *slot});
-            store(slot, replacement);
-        }
-    }
+    visitSlots([&](const ElfW(Sym)&, const char* name, void** slot) {
+        if (std::strcmp(name, symbol) != 0) return;
+        slots_.push_back({slot, *slot});
+        store(slot, replacement);
+    });
 }
 
 ImportPatch::~ImportPatch() {
