@@ -156,77 +156,22 @@ void blur(const uint8_t* data, size_t size) {
     REQUIRE(image.storage.intact());
 }
 
-// The taps of a radius; 0 for no blur but the mask, -1 for neither.
-int32_t tapsOf(float radius) {
-    const double taps = 4.0 * static_cast<double>(radius);
-    if (!(taps >= 1)) return 0;
-    if (taps >= 92683) return -1;
-    const int32_t whole = static_cast<int32_t>(taps);
-    return whole - (whole % 2 == 0 ? 1 : 0);
-}
-
-void request(const uint8_t* data, size_t size) {
-    Bytes bytes(data, size);
-    chooseInstructionSet(bytes);
-    const float radius = bytes.take<float>();
-    const uint32_t color = bytes.take<uint32_t>();
-    const int32_t taps = tapsOf(radius), side = taps > 9999 ? 3 : taps > 500 ? 9 : 60;
-    const int32_t width = bytes.upTo(side);
-    Image image = bytes.image(width, bytes.upTo(side));
-    Image expected(image.width, image.height, image.words());
-    const reference::Kernel kernel = reference::calcuGaussianTemplate(taps, radius);
-    reference::GaussianBlurEffect(expected, kernel.weights.data(), taps, kernel.norm);
-    if (taps >= 0 && color >> 24 != 0) reference::addMask(expected, color);
-
-    auto& [platform, libc] = surroundings();
-    platform.showBitmap(image);
-    platform.blur(radius, color);
-    REQUIRE(image.words() == expected.words());
-    REQUIRE(image.storage.intact());
-    REQUIRE(platform.calls == (std::vector<std::string>{"getInfo", "lock", "unlock"}));
-    REQUIRE(libc.balanced());
-}
-
-// Mask, gray and cast of one image.
+// Gray and cast of one image.
 void pixels(const uint8_t* data, size_t size) {
     Bytes bytes(data, size);
     chooseInstructionSet(bytes);
-    const uint32_t color = bytes.take<uint32_t>();
     const int32_t saturation = bytes.take<int32_t>(), brightness = bytes.take<int32_t>();
     const int32_t width = bytes.upTo(200);
-    Image image = bytes.image(width, bytes.upTo(90));
-    Image expected(image.width, image.height, image.words());
-    REQUIRE(android::RGB2Gray(&image) == reference::RGB2Gray(expected));
+    const Image image = bytes.image(width, bytes.upTo(90));
+    REQUIRE(android::RGB2Gray(&image) == reference::RGB2Gray(image));
     REQUIRE(android::BitmaptoColorCast(&image, saturation, brightness) ==
-            reference::BitmaptoColorCast(expected, saturation, brightness));
-    REQUIRE(image.words() == expected.words());
-    android::addMask(&image, color);
-    reference::addMask(expected, color);
-    REQUIRE(image.words() == expected.words());
-    REQUIRE(image.storage.intact());
-}
-
-void region(const uint8_t* data, size_t size) {
-    Bytes bytes(data, size);
-    const bool vertical = bytes.take<uint8_t>() % 2 == 1;
-    const int32_t wide = bytes.upTo(70), high = bytes.upTo(70), width = bytes.upTo(60);
-    Image source = bytes.image(width, bytes.upTo(60));
-    // Each reads its own of the two lengths of the destination, and the other one of the source.
-    Image actual(vertical ? source.width : wide, vertical ? high : source.height, 0x55AA55AA);
-    Image expected(actual.width, actual.height, actual.words());
-    (vertical ? android::fillBitmapRegionVertical : android::fillBitmapRegionHorizontal)(&source,
-                                                                                         &actual);
-    (vertical ? reference::fillBitmapRegionVertical : reference::fillBitmapRegionHorizontal)(
-        source, expected);
-    REQUIRE(actual.words() == expected.words());
-    REQUIRE(actual.storage.intact());
+            reference::BitmaptoColorCast(image, saturation, brightness));
 }
 
 }  // namespace
 
-const NamedTarget kTargets[] = {{"config", config}, {"statistics", statistics},
-                                {"blur", blur},     {"request", request},
-                                {"pixels", pixels}, {"region", region}};
+const NamedTarget kTargets[] = {
+    {"config", config}, {"statistics", statistics}, {"blur", blur}, {"pixels", pixels}};
 const size_t kTargetCount = std::size(kTargets);
 
 }  // namespace fuzz

@@ -110,24 +110,4 @@ TEST(ColorCast, RoundsItsColoredShare) {
     EXPECT_EQ(static_cast<uint32_t>(BitmaptoColorCast(&image, 100, 100)), kHue15);
 }
 
-TEST(ColorCast, EqualsReference) {
-    onEveryTarget([] {
-        std::mt19937 random(33);
-        int casts = 0, rounds = 0;
-        for (; rounds < 129 * 5; ++rounds) {
-            // Few enough colours that about half of the images have a cast.
-            uint32_t palette[4];
-            for (uint32_t& color : palette) color = static_cast<uint32_t>(random());
-            Image image(2 + rounds / 5, 5);
-            for (uint32_t& pixel : image.storage) pixel = palette[random() % 4];
-            const int32_t percent = static_cast<int32_t>(random() % 101);
-            const int32_t cast = BitmaptoColorCast(&image, percent, 100 - percent);
-            ASSERT_EQ(cast, reference::BitmaptoColorCast(image, percent, 100 - percent))
-                << "width " << image.width << " round " << rounds;
-            casts += cast != -1;
-        }
-        EXPECT_GT(casts, rounds / 10);
-    });
-}
-
 }  // namespace

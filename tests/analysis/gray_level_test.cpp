@@ -40,12 +40,6 @@ TEST(GrayLevel, EqualsReference) {
             const Image image = Image::random(width, 3, random);
             EXPECT_EQ(RGB2Gray(&image), reference::RGB2Gray(image)) << "width " << width;
         }
-        // A last pixel that moves the mean, so that losing it shows.
-        for (int32_t height = 2; height <= 40; ++height) {
-            Image image(3, height, 0);
-            image.storage.end()[-1] = 0xFFFFFFFF;
-            EXPECT_EQ(RGB2Gray(&image), 255 / (3 * height)) << "height " << height;
-        }
         const Image white(130, 130, 0xFFFFFFFF);  // the most that narrow sums have to hold
         EXPECT_EQ(RGB2Gray(&white), 255);
     });

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "jni/native_methods.h"
+#include "blur/color_mask.h"
 #include "tests/reference/reference.h"
 #include "tests/support/fake_libc.h"
 #include "tests/support/fake_platform.h"
@@ -30,7 +30,7 @@ TEST(BlurRequest, BlursThenMasks) {
             Image expected(7, 5, image.words());
             const reference::Kernel kernel = reference::calcuGaussianTemplate(size, radius);
             reference::GaussianBlurEffect(expected, kernel.weights.data(), size, kernel.norm);
-            if (size >= 0 && color >> 24 != 0) reference::addMask(expected, color);
+            if (size >= 0 && color >> 24 != 0) android::addMask(&expected, color);
 
             FakePlatform platform;
             FakeLibc libc;

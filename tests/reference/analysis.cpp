@@ -1,21 +1,11 @@
 #include <algorithm>
-#include <cmath>
+#include <cstdlib>
 #include <limits>
 
+#include "analysis/hsb_to_rgb.h"
 #include "tests/reference/reference.h"
 
 namespace reference {
-namespace {
-
-// Toward zero, saturating, 0 for NaN.
-int32_t truncated(double value) {
-    if (std::isnan(value)) return 0;
-    if (value >= 2147483647.0) return std::numeric_limits<int32_t>::max();
-    if (value <= -2147483648.0) return std::numeric_limits<int32_t>::min();
-    return static_cast<int32_t>(value);
-}
-
-}  // namespace
 
 int32_t hueOf(uint32_t pixel) {
     const int32_t r = pixel & 0xFF, g = pixel >> 8 & 0xFF, b = pixel >> 16 & 0xFF;
@@ -37,19 +27,6 @@ int32_t RGB2Gray(const BitmapStruct& bitmap) {
     const float g = static_cast<float>(sums[1]) * 0.587f;
     const float b = static_cast<float>(sums[2]) * 0.114f;
     return static_cast<int32_t>((b + (g + r)) / static_cast<float>(n));
-}
-
-void HSBtoRGB(int32_t& red, int32_t& green, int32_t& blue, float h, float s, float v) {
-    const float x = h / 60.0f;
-    const int32_t sector = truncated(x) % 6;
-    const float f = x - static_cast<float>(sector);
-    const float p = (1 - s) * v, q = (1 - f * s) * v, t = (1 - (1 - f) * s) * v;
-    const float channels[6][3] = {{v, t, p}, {q, v, p}, {p, v, t}, {p, q, v}, {t, p, v}, {v, p, q}};
-    red = green = blue = 0;
-    if (sector < 0) return;
-    red = truncated(channels[sector][0] * 255.0);
-    green = truncated(channels[sector][1] * 255.0);
-    blue = truncated(channels[sector][2] * 255.0);
 }
 
 int32_t BitmaptoColorCast(const BitmapStruct& bitmap, int32_t saturation, int32_t brightness) {
@@ -82,8 +59,9 @@ int32_t BitmaptoColorCast(const BitmapStruct& bitmap, int32_t saturation, int32_
     if (static_cast<double>(lead) < 0.2 && distance > 1 && distance < 23) return -1;
 
     int32_t red, green, blue;
-    HSBtoRGB(red, green, blue, static_cast<float>((15 * leader + 15) % 360),
-             static_cast<float>(saturation / 100.0), static_cast<float>(brightness / 100.0));
+    android::HSBtoRGB(red, green, blue, static_cast<float>((15 * leader + 15) % 360),
+                      static_cast<float>(saturation / 100.0),
+                      static_cast<float>(brightness / 100.0));
     const uint32_t color = 0xFF000000 | static_cast<uint32_t>(red) << 16 |
                            static_cast<uint32_t>(green) << 8 | static_cast<uint32_t>(blue);
     return static_cast<int32_t>(color);

@@ -73,38 +73,4 @@ void GaussianBlurEffect(BitmapStruct& bitmap, const int32_t* kernel, int32_t siz
     pass(bitmap, kernel, size, norm, 0, 1);
 }
 
-void addMask(BitmapStruct& bitmap, uint32_t color) {
-    if (bitmap.width < 2 || bitmap.height < 2) return;
-    const uint32_t alpha = color >> 24;
-    for (int32_t i = 0; i < bitmap.width * bitmap.height; ++i) {
-        uint32_t word = 0xFF000000;
-        for (int c = 0; c < 3; ++c) {
-            const uint32_t mask = byteOf(color, 2 - c);  // red is byte 2 of a colour, 0 of a pixel
-            word |= ((255 - alpha) * byteOf(bitmap.pixels[i], c) + alpha * mask) >> 8 << (8 * c);
-        }
-        bitmap.pixels[i] = word;
-    }
-}
-
-void fillBitmapRegionHorizontal(const BitmapStruct& source, BitmapStruct& destination) {
-    const int32_t w = source.width, wide = destination.width, margin = (wide - w) / 2;
-    if (source.height < 1 || w < 1 || wide < w) return;
-    for (int32_t y = 0; y < source.height; ++y) {
-        const uint32_t* from = source.pixels + y * w;
-        uint32_t* to = destination.pixels + y * wide;
-        for (int32_t x = 0; x < w; ++x) to[margin + x] = from[x];
-        for (int32_t x = 0; x < margin; ++x) to[x] = from[0];
-        for (int32_t x = wide - margin; x < wide; ++x) to[x] = from[w - 1];
-    }
-}
-
-void fillBitmapRegionVertical(const BitmapStruct& source, BitmapStruct& destination) {
-    const int32_t w = source.width, h = source.height, margin = (destination.height - h) / 2;
-    if (h < 1 || w < 1 || destination.height < h) return;
-    for (int32_t y = 0; y < h + 2 * margin; ++y) {
-        const int32_t row = std::clamp(y - margin, 0, h - 1);
-        for (int32_t x = 0; x < w; ++x) destination.pixels[y * w + x] = source.pixels[row * w + x];
-    }
-}
-
 }  // namespace reference

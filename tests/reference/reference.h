@@ -7,8 +7,8 @@
 
 #include "jni/bitmap_struct.h"
 
-// One plain scalar version of every routine: the truth that tests, fuzzers and benchmarks compare
-// with. Written to be checked by eye, not to be fast.
+// One plain scalar version of what is not enumerated: the truth that tests and fuzzers compare with.
+// Written to be checked by eye, not to be fast.
 namespace reference {
 
 using android::BitmapStruct;
@@ -22,15 +22,11 @@ struct Kernel {
 Kernel calcuGaussianTemplate(int32_t size, float radius);
 Kernel gauss(float radius);  // as a blur request derives it
 void GaussianBlurEffect(BitmapStruct& bitmap, const int32_t* kernel, int32_t size, int32_t norm);
-void addMask(BitmapStruct& bitmap, uint32_t color);
-void fillBitmapRegionHorizontal(const BitmapStruct& source, BitmapStruct& destination);
-void fillBitmapRegionVertical(const BitmapStruct& source, BitmapStruct& destination);
 
 int32_t RGB2Gray(const BitmapStruct& bitmap);
 
 // Degrees from 0 to 359, or -1 for a pixel too dark or too pale to have a hue.
 int32_t hueOf(uint32_t pixel);
-void HSBtoRGB(int32_t& red, int32_t& green, int32_t& blue, float h, float s, float v);
 int32_t BitmaptoColorCast(const BitmapStruct& bitmap, int32_t saturation, int32_t brightness);
 
 // Encrypts whole blocks as they stand: text, and padding whose last byte counts it.
