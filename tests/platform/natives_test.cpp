@@ -6,6 +6,8 @@
 
 #include <string>
 
+#include "tests/support/local_references.h"
+
 // What the virtual machine itself keeps, for LeakSanitizer.
 extern "C" const char* __lsan_default_suppressions() {
     return "leak:libjvm.so\nleak:libjava.so\nleak:libzip.so\nleak:libjimage.so\n";
@@ -15,29 +17,6 @@ namespace {
 
 constexpr uint32_t kRecycled = 0x80000000u;
 constexpr const char* kBitmap = "android/graphics/Bitmap";
-
-int localReferences;          // made and not deleted
-JNINativeInterface_ machine;  // the functions as they were
-
-template <typename Reference>
-Reference counted(Reference made) {
-    localReferences += made != nullptr;
-    return made;
-}
-
-void countLocalReferences(JNIEnv* env) {
-    machine = *env->functions;
-    static JNINativeInterface_ table = machine;
-    table.FindClass = [](auto... a) { return counted(machine.FindClass(a...)); };
-    table.GetObjectClass = [](auto... a) { return counted(machine.GetObjectClass(a...)); };
-    table.GetObjectField = [](auto... a) { return counted(machine.GetObjectField(a...)); };
-    table.CallObjectMethodV = [](auto... a) { return counted(machine.CallObjectMethodV(a...)); };
-    table.DeleteLocalRef = [](JNIEnv* own, jobject reference) {
-        localReferences -= reference != nullptr;
-        machine.DeleteLocalRef(own, reference);
-    };
-    env->functions = &table;
-}
 
 // The framework classes are on the class path of this virtual machine and their library is not to
 // be found, so that initialising one of them throws.
@@ -51,7 +30,9 @@ JNIEnv* startMachine() {
     JavaVM* vm = nullptr;
     JNIEnv* env = nullptr;
     if (JNI_CreateJavaVM(&vm, reinterpret_cast<void**>(&env), &arguments) != 0) abort();
-    countLocalReferences(env);
+    static JNINativeInterface_ table = *env->functions;
+    local_references::count(&table);
+    env->functions = &table;
     return env;
 }
 
@@ -92,13 +73,13 @@ class Natives : public testing::Test {
     std::string results(JNIEnv* callEnv, jobject object) {
         AndroidBitmapInfo info = {9, 9, 9, 9, 9};
         void* pixels = &info;
-        const int held = localReferences;
+        const jlong held = local_references::held;
         const int got = AndroidBitmap_getInfo(callEnv, object, &info);
         EXPECT_EQ(info.width == 9, got < 0);
         const int locked = AndroidBitmap_lockPixels(callEnv, object, &pixels);
         EXPECT_EQ(pixels == &info, locked < 0);
         const int unlocked = AndroidBitmap_unlockPixels(callEnv, object);
-        EXPECT_EQ(localReferences, held);
+        EXPECT_EQ(local_references::held, held);
         return std::to_string(got) + " " + std::to_string(locked) + " " + std::to_string(unlocked);
     }
 
@@ -156,12 +137,12 @@ TEST_F(Natives, RefuseWithoutATrace) {
     EXPECT_EQ(results(env, bitmapClass), "-1 -1 -1");
     EXPECT_EQ(AndroidBitmap_getInfo(env, bitmap, nullptr), -1);
     EXPECT_EQ(AndroidBitmap_lockPixels(env, bitmap, nullptr), -1);
-    const int held = localReferences;
+    const jlong held = local_references::held;
     for (const char* message : {"replaced", "why"}) {
         EXPECT_EQ(jniThrowNullPointerException(env, message), 0);
     }
     EXPECT_EQ(results(env, bitmap), "-2 -2 -2");
-    EXPECT_EQ(localReferences, held);
+    EXPECT_EQ(local_references::held, held);
     const jthrowable thrown = env->ExceptionOccurred();
     ASSERT_NE(thrown, nullptr);
     env->ExceptionClear();
@@ -195,15 +176,15 @@ TEST_F(Natives, AreRegisteredOrMissing) {
         {nullptr, {gray}, 1, -1},
     };
     for (const auto& row : rows) {
-        int held = 0;
+        jlong held = 0;
         for (int i = 0; i < 2; ++i) {  // loading a class the machine makes references of its own
-            held = localReferences;
+            held = local_references::held;
             EXPECT_EQ(android::AndroidRuntime::registerNativeMethods(env, row.className,
                                                                      row.methods, row.count),
                       row.result);
             EXPECT_FALSE(env->ExceptionCheck());
         }
-        EXPECT_EQ(localReferences, held);
+        EXPECT_EQ(local_references::held, held);
     }
     EXPECT_EQ(android::AndroidRuntime::registerNativeMethods(nullptr, kBitmap, &gray, 0), -1);
     EXPECT_EQ(android::AndroidRuntime::registerNativeMethods(env, kBitmap, nullptr, 0), -1);

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <jni.h>
+
+// Counts the local references that native code makes and does not delete. The virtual machine drops
+// them when a native returns, so nothing can be seen of them afterwards.
+namespace local_references {
+
+inline JNINativeInterface_ machine;  // the functions as they were
+inline thread_local jlong held;      // made less deleted, by this thread
+
+template <auto Function>
+struct Counted;
+
+template <typename... Arguments, typename Result,
+          Result (JNICALL* JNINativeInterface_::*Function)(JNIEnv*, Arguments...)>
+struct Counted<Function> {
+    static Result JNICALL call(JNIEnv* env, Arguments... arguments) {
+        const Result made = (machine.*Function)(env, arguments...);
+        held += made != nullptr;
+        return made;
+    }
+};
+
+template <auto... Functions>
+void countThoseOf(JNINativeInterface_* table) {
+    ((table->*Functions = Counted<Functions>::call), ...);
+}
+
+// From now on, for who uses the table.
+inline void count(JNINativeInterface_* table) {
+    using Table = JNINativeInterface_;
+    machine = *table;
+    // The C++ calls with dots come in by their V.
+    countThoseOf<&Table::FindClass, &Table::GetSuperclass, &Table::GetObjectClass,
+                 &Table::NewLocalRef, &Table::AllocObject, &Table::NewObjectV, &Table::NewObjectA,
+                 &Table::CallObjectMethodV, &Table::CallObjectMethodA,
+                 &Table::CallStaticObjectMethodV, &Table::GetObjectField,
+                 &Table::GetStaticObjectField, &Table::NewString, &Table::NewStringUTF,
+                 &Table::NewObjectArray, &Table::GetObjectArrayElement, &Table::NewByteArray,
+                 &Table::NewIntArray, &Table::ExceptionOccurred, &Table::NewDirectByteBuffer>(
+        table);
+    table->DeleteLocalRef = [](JNIEnv* env, jobject reference) {
+        held -= reference != nullptr;
+        machine.DeleteLocalRef(env, reference);
+    };
+}
+
+}  // namespace local_references
