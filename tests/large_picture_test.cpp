@@ -6,8 +6,9 @@
 #include "analysis/gray_level.h"
 #include "blur/color_mask.h"
 #include "blur/gaussian_blur.h"
+#include "blur/pass_plan.h"
+#include "blur/sweep_plan.h"
 #include "tests/reference/reference.h"
-#include "tests/support/blur_way.h"
 #include "tests/support/every_target.h"
 #include "tests/support/images.h"
 
@@ -18,6 +19,24 @@ namespace {
 using android::GaussianBlurEffect;
 
 constexpr uint32_t kRed = 0x0000FF, kOrange = 0x0055FF, kBlue = 0xFF0000;
+
+// How lines of `length` pixels, `lines` of them, are blurred where taps cost the least, which is
+// where steps are chosen last. A test that means one way asks, lest another cost takes it away.
+std::string blurWayOf(const reference::Kernel& kernel, int32_t length, int32_t lines) {
+    constexpr android::PassCosts kCheapTaps = {22, 13, 600, 18, 90, 15, 1000};  // with AVX-512
+    const int32_t size = static_cast<int32_t>(kernel.weights.size());
+    const int32_t* const weights = kernel.weights.data();
+    android::SweepPlan sweep;
+    android::PassPlan pass;
+    if (!android::planSweep(weights, size, kernel.norm, length, lines, &sweep) ||
+        !android::makePassPlan(weights, size, kernel.norm, length, lines, kCheapTaps, &pass)) {
+        return "no memory";
+    }
+    return sweep.reach > 0          ? "in one sweep"
+           : pass.bySteps()         ? "by steps"
+           : pass.bySymmetricTaps() ? "by symmetric taps"
+                                    : "by taps";
+}
 
 // The sides of square pictures: just more than 2^24 pixels; channel sums beyond 2^32; 2^30 pixels;
 // offsets beyond 2^32 bytes, and nearly as many pixels as there may be. The larger ones only where

@@ -79,26 +79,15 @@ TEST(DotPlan, DividesEverySumByEveryNorm) {
     }
 }
 
-TEST(DotPlan, HoldsForEveryRadius) {
-    int plans = 0, partlyHeavy = 0;
-    for (float radius = 0.75f; radius < 120; radius *= 1.01f) {
-        const Weights kernel = reference::gauss(radius).weights;
-        for (const int32_t length : {4000, 23, 2}) {
-            plans += certify(kernel, sumOf(kernel), length, 2);
-            ASSERT_FALSE(testing::Test::HasFailure()) << "radius " << radius;
-        }
-        DotPlan plan;
-        ASSERT_TRUE(
-            planDots(kernel.data(), static_cast<int32_t>(kernel.size()), 65536, 4000, 2, &plan));
-        partlyHeavy += plan.groups > 0 && plan.heavyBegin > 0 && plan.heavyEnd < plan.groups;
-    }
-    EXPECT_GT(plans, 1300);
-    EXPECT_GT(partlyHeavy, 50);
-}
-
-// Heavy weights in any place, alone and many, and norms that are doubled.
+// Gaussians of every size that has a plan, at times folded; heavy weights in any place, alone and
+// many, and norms that are doubled.
 TEST(DotPlan, HoldsForAnyPlainKernel) {
     std::mt19937 random(71);
+    for (float radius = 0.75f; radius < 120; radius *= 1.01f) {
+        const Weights kernel = reference::gauss(radius).weights;
+        certify(kernel, sumOf(kernel), 2 + static_cast<int32_t>(random() % 700), 2);
+        ASSERT_FALSE(testing::Test::HasFailure()) << "radius " << radius;
+    }
     for (int round = 0; round < 3000; ++round) {
         Weights kernel(3 + 2 * (random() % 30));
         for (int32_t& weight : kernel) {
