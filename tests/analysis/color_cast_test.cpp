@@ -47,6 +47,8 @@ const Row kRows[] = {
     {"overtaken, not runner-up", {{45, kYellow}, {10, 0x00FFBF}, {45, 0xFF3F00}}, kNone},
     {"20 points ahead", {{30, kRed}, {30, kOrange}, {40, kBlue}}, kHue15},
     {"18 points ahead", {{30, kRed}, {29, kOrange}, {41, kBlue}}, kNone},
+    // 50 % less 30 % is 0.19999999 in single precision.
+    {"nearly 20 ahead", {{25, kRed}, {25, kOrange}, {30, kBlue}, {20, kGreen}}, kNone},
     {"40 % in a span", {{40, kRed}, {20, kGreen}, {20, kBlue}, {20, kYellow}}, kHue15},
     {"39 % in a span", {{39, kRed}, {21, kGreen}, {20, kBlue}, {20, kYellow}}, kNone},
     // 360 from truncation is hue 0 like pure red; with a floor it would be 359.
@@ -73,29 +75,19 @@ TEST(ColorCast, IsThisColor) {
 // All 2^24 colours, 256 at a time that differ in one channel and then in another, so that no two of
 // them can change places unseen.
 TEST(ColorCast, CountsTheHueOfEveryColor) {
-    using Counts = std::array<int32_t, android::kHueBins>;
-    std::vector<Counts> expected(2 * 65536);
-    std::array<uint32_t, 256> pixels;
-    const auto colors = [&pixels](uint32_t row) {  // blue varies below 65536, then red
-        const uint32_t y = row >> 8 & 255, x = row & 255;
-        for (uint32_t i = 0; i < 256; ++i) {
-            pixels[i] = row < 65536 ? i << 16 | y << 8 | x : x << 16 | y << 8 | i;
-        }
-    };
-    for (uint32_t row = 0; row < expected.size(); ++row) {
-        colors(row);
-        expected[row].fill(0);
-        for (const uint32_t pixel : pixels) {
-            const int32_t hue = reference::hueOf(pixel);
-            if (hue >= 0) ++expected[row][hue / 15];
-        }
-    }
-    onEveryTarget([&] {
-        for (uint32_t row = 0; row < expected.size(); ++row) {
-            colors(row);
-            Counts bins;
+    std::vector<int32_t> hues(1 << 24);
+    for (uint32_t pixel = 0; pixel < hues.size(); ++pixel) hues[pixel] = reference::hueOf(pixel);
+    onEveryTarget([&hues] {
+        for (uint32_t row = 0; row < 2 * 65536; ++row) {
+            const uint32_t y = row >> 8 & 255, x = row & 255;
+            std::array<uint32_t, 256> pixels;
+            std::array<int32_t, android::kHueBins> expected = {}, bins;
+            for (uint32_t i = 0; i < 256; ++i) {
+                pixels[i] = row < 65536 ? i << 16 | y << 8 | x : x << 16 | y << 8 | i;
+                if (hues[pixels[i]] >= 0) ++expected[hues[pixels[i]] / 15];
+            }
             android::countHues(pixels.data(), pixels.size(), bins.data());
-            ASSERT_EQ(bins, expected[row]) << std::hex << pixels[0] << " to " << pixels[255];
+            ASSERT_EQ(bins, expected) << std::hex << pixels[0] << " to " << pixels[255];
         }
     });
 }

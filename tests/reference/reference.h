@@ -7,8 +7,8 @@
 
 #include "jni/bitmap_struct.h"
 
-// One plain scalar version of what is not enumerated: the truth that tests and fuzzers compare with.
-// Written to be checked by eye, not to be fast.
+// One plain scalar version of what is not enumerated: the truth that tests and fuzzers compare
+// with. Written to be checked by eye, not to be fast.
 namespace reference {
 
 using android::BitmapStruct;
