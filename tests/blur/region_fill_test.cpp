@@ -23,13 +23,11 @@ const Row kRows[] = {
     {"margin 2", kWiden, 3, 2, 7, {1, 1, 1, 2, 3, 3, 3, 4, 4, 4, 5, 6, 6, 6}},
     {"odd difference", kWiden, 4, 1, 9, {1, 1, 1, 2, 3, 4, 0, 4, 4}},
     {"no margin", kWiden, 3, 2, 3, {1, 2, 3, 4, 5, 6}},
-    {"one more", kWiden, 2, 2, 3, {1, 2, 0, 3, 4, 0}},
     {"rows below stay", kWiden, 1, 1, 3, {1, 1, 1, 0, 0, 0, 0, 0, 0}},
     {"no row", kWiden, 3, 0, 5, Pixels(10, 0)},
     {"margin 2", kHeighten, 2, 3, 7, {1, 2, 1, 2, 1, 2, 3, 4, 5, 6, 5, 6, 5, 6}},
     {"odd difference", kHeighten, 1, 3, 8, {1, 1, 1, 2, 3, 3, 3, 0}},
     {"no margin", kHeighten, 2, 2, 2, {1, 2, 3, 4}},
-    {"one more", kHeighten, 2, 2, 3, {1, 2, 3, 4, 0, 0}},
     // What the destination or the source cannot give.
     {"narrower", kWiden, 3, 1, 2, Pixels(3, 0)},
     {"no column", kWiden, 0, 2, 3, Pixels(6, 0)},

@@ -20,20 +20,25 @@ const struct Native {
     {"cast", -0x33809A, [](FakePlatform& platform) { return platform.cast(50, 80); }},
 };
 
+constexpr int32_t kRgba = ANDROID_BITMAP_FORMAT_RGBA_8888;
+
+Lines callsOf(const Native& native, Image& image, const AndroidBitmapInfo& info) {
+    FakePlatform platform;
+    platform.showBitmap(image);
+    platform.info = info;
+    native.call(platform);
+    return platform.calls;
+}
+
 // Every format in every stride that one of them has, and around: one of them all is read.
 TEST(BitmapFrame, ReadsOneFormatInOneStride) {
-    constexpr int32_t kRgba = ANDROID_BITMAP_FORMAT_RGBA_8888;
     Image image(4, 3, 0x12345678);
     for (const Native& native : kNatives) {
         for (const int32_t format :
              {-1, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 256 + kRgba, INT32_MAX}) {
             for (const uint32_t stride : {0u, 1u, 4u, 8u, 12u, 15u, 16u, 17u, 20u, 32u, ~0u - 15}) {
-                FakePlatform platform;
-                platform.showBitmap(image);
-                platform.info.format = format;
-                platform.info.stride = stride;
-                native.call(platform);
-                EXPECT_EQ(platform.calls == kBalanced, format == kRgba && stride == 16)
+                const bool read = callsOf(native, image, {4, 3, stride, format, 0}) == kBalanced;
+                EXPECT_EQ(read, format == kRgba && stride == 16)
                     << native.name << " format " << format << " stride " << stride;
             }
         }
@@ -47,16 +52,11 @@ TEST(BitmapFrame, NoSideLeadsOutOfThePixels) {
     for (const Native& native : kNatives) {
         for (const uint32_t width : sides) {
             for (const uint32_t height : sides) {
-                SCOPED_TRACE(testing::Message() << native.name << ' ' << width << " x " << height);
-                FakePlatform platform;
                 Image image(1, 1, 0x12345678);
-                platform.showBitmap(image);
-                platform.info.width = width;
-                platform.info.height = height;
-                platform.info.stride = 4 * width;
-                EXPECT_EQ(native.call(platform), -1);
                 const bool fits = width < UINT32_MAX / 4 && uint64_t{width} * height <= INT32_MAX;
-                EXPECT_EQ(platform.calls, fits ? kBalanced : kNotLocked);
+                EXPECT_EQ(callsOf(native, image, {width, height, 4 * width, kRgba, 0}),
+                          fits ? kBalanced : kNotLocked)
+                    << native.name << ' ' << width << " x " << height;
                 EXPECT_EQ(image.words()[0], 0x12345678u);
             }
         }

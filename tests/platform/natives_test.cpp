@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <nativehelper/JNIHelp.h>
 #include <stdlib.h>
+#include <string.h>
 
 #include <string>
 
@@ -94,10 +95,8 @@ class Natives : public testing::Test {
 TEST_F(Natives, KeepLockedPixelsOfARecycledBitmap) {
     AndroidBitmapInfo info = {9, 9, 9, 9, 9};
     EXPECT_EQ(AndroidBitmap_getInfo(env, bitmap, &info), 0);
-    EXPECT_EQ(std::to_string(info.width) + std::to_string(info.height) +
-                  std::to_string(info.stride) + std::to_string(info.format) +
-                  std::to_string(info.flags),
-              "23840");
+    const uint32_t expected[] = {2, 3, 8, ANDROID_BITMAP_FORMAT_RGB_565, 0};
+    EXPECT_EQ(memcmp(&info, expected, sizeof info), 0);
     void* pixels = nullptr;
     EXPECT_EQ(AndroidBitmap_lockPixels(env, bitmap, &pixels), 0);
     recycle();

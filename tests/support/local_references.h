@@ -31,14 +31,10 @@ void countThoseOf(JNINativeInterface_* table) {
 inline void count(JNINativeInterface_* table) {
     using Table = JNINativeInterface_;
     machine = *table;
-    // The C++ calls with dots come in by their V.
-    countThoseOf<&Table::FindClass, &Table::GetSuperclass, &Table::GetObjectClass,
-                 &Table::NewLocalRef, &Table::AllocObject, &Table::NewObjectV, &Table::NewObjectA,
-                 &Table::CallObjectMethodV, &Table::CallObjectMethodA,
-                 &Table::CallStaticObjectMethodV, &Table::GetObjectField,
-                 &Table::GetStaticObjectField, &Table::NewString, &Table::NewStringUTF,
-                 &Table::NewObjectArray, &Table::GetObjectArrayElement, &Table::NewByteArray,
-                 &Table::NewIntArray, &Table::ExceptionOccurred, &Table::NewDirectByteBuffer>(
+    // What the library and the stand-in call or may; the C++ calls with dots come in by their V.
+    countThoseOf<&Table::FindClass, &Table::GetObjectClass, &Table::NewLocalRef, &Table::NewObjectV,
+                 &Table::CallObjectMethodV, &Table::CallStaticObjectMethodV, &Table::GetObjectField,
+                 &Table::GetStaticObjectField, &Table::NewStringUTF, &Table::ExceptionOccurred>(
         table);
     table->DeleteLocalRef = [](JNIEnv* env, jobject reference) {
         held -= reference != nullptr;
