@@ -68,9 +68,6 @@ int AndroidBitmap_getInfo(JNIEnv* env, jobject bitmap, AndroidBitmapInfo* info) 
     Header* header = nullptr;
     const int result = openBitmap(env, bitmap, &header, nullptr);
     if (result < 0) return result;
-    if ((__atomic_load_n(&header->state, __ATOMIC_ACQUIRE) & kRecycled) != 0) {
-        return ANDROID_BITMAP_RESULT_BAD_PARAMETER;
-    }
     *info = {header->width, header->height, header->stride, header->format, 0};
     return ANDROID_BITMAP_RESULT_SUCCESS;
 }
@@ -84,9 +81,8 @@ int AndroidBitmap_lockPixels(JNIEnv* env, jobject bitmap, void** pixels) {
     // Recycling is final, so a lock that still gets in proves that `address`, read before, is good.
     uint32_t state = __atomic_load_n(&header->state, __ATOMIC_ACQUIRE);
     do {
-        if ((state & kRecycled) != 0 || (state & kLockCount) == kLockCount) {
-            return ANDROID_BITMAP_RESULT_BAD_PARAMETER;
-        }
+        if ((state & kRecycled) != 0) return ANDROID_BITMAP_RESULT_JNI_EXCEPTION;
+        if ((state & kLockCount) == kLockCount) return ANDROID_BITMAP_RESULT_BAD_PARAMETER;
     } while (!__atomic_compare_exchange_n(&header->state, &state, state + 1, true, __ATOMIC_ACQ_REL,
                                           __ATOMIC_ACQUIRE));
     *pixels = address;

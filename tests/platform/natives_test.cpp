@@ -117,8 +117,8 @@ TEST_F(Natives, CountLocksToTheLimit) {
         {0xFFFF, "0 0 0", 0xFFFF},
         {0x7FFFFFFE, "0 0 0", 0x7FFFFFFE},
         {0x7FFFFFFF, "0 -1 0", 0x7FFFFFFE},
-        {kRecycled, "-1 -1 -1", kRecycled},
-        {kRecycled | 0x7FFFFFFF, "-1 -1 0", kRecycled | 0x7FFFFFFE},
+        {kRecycled, "0 -2 -1", kRecycled},
+        {kRecycled | 0x7FFFFFFF, "0 -2 0", kRecycled | 0x7FFFFFFE},
     };
     for (const auto& row : rows) {
         state = row.state;

@@ -7,9 +7,10 @@
 
 // Results. Every failure is negative.
 #define ANDROID_BITMAP_RESULT_SUCCESS 0
-// A null argument, an object that is no bitmap, a recycled bitmap, or an unlock without a lock.
+// A null argument, an object that is no bitmap, or an unlock without a lock.
 #define ANDROID_BITMAP_RESULT_BAD_PARAMETER (-1)
-// An exception was pending on entry (it still is), or one came up inside (it has been cleared).
+// The lock of a recycled bitmap. An exception was pending on entry (it still is), or one came up
+// inside (it has been cleared).
 #define ANDROID_BITMAP_RESULT_JNI_EXCEPTION (-2)
 #define ANDROID_BITMAP_RESULT_ALLOCATION_FAILED (-3)
 
@@ -36,7 +37,7 @@ typedef struct {
 extern "C" {
 #endif
 
-// Fills `info`. On a failure `info` is left as it was.
+// Fills `info`, for a recycled bitmap too, with what it was. On a failure `info` is left as it was.
 int AndroidBitmap_getInfo(JNIEnv* env, jobject bitmap, AndroidBitmapInfo* info);
 
 // Locks the pixels and stores the address of the first one. Locks nest; each is given back with one
