@@ -32,8 +32,14 @@ public final class Bitmap {
          * bits.
          */
         RGB_565(2, 4),
+        /** A bitmap of it is made as {@link #ARGB_8888}. */
+        ARGB_4444(4, 1),
         /** Four bytes: red, green, blue, alpha. */
-        ARGB_8888(4, 1);
+        ARGB_8888(4, 1),
+        /** Four half floats; the stand-in has no bitmap of it. */
+        RGBA_F16(8, 0),
+        /** Pixels in graphic memory, which the set methods and native code cannot reach. */
+        HARDWARE(0, 0);
 
         private final int bytesPerPixel;
         private final int nativeFormat; // AndroidBitmapFormat
@@ -80,7 +86,8 @@ public final class Bitmap {
     /**
      * Returns a new mutable bitmap, all of whose bytes are zero.
      *
-     * @throws IllegalArgumentException if the width or height is not positive
+     * @throws IllegalArgumentException if the width or height is not positive, or for HARDWARE
+     * @throws UnsupportedOperationException for RGBA_F16, which a phone has
      * @throws OutOfMemoryError if the pixels exceed 2147483647 bytes or the memory there is
      */
     public static Bitmap createBitmap(int width, int height, Config config) {
@@ -90,7 +97,8 @@ public final class Bitmap {
     /**
      * Returns a new immutable bitmap with the given colours, row by row from the top.
      *
-     * @throws IllegalArgumentException if the width or height is not positive
+     * @throws IllegalArgumentException if the width or height is not positive, or for HARDWARE
+     * @throws UnsupportedOperationException for RGBA_F16, which a phone has
      * @throws ArrayIndexOutOfBoundsException if there are fewer colours than pixels
      * @throws OutOfMemoryError if the pixels exceed 2147483647 bytes or the memory there is
      */
@@ -117,7 +125,14 @@ public final class Bitmap {
     private static Bitmap create(int width, int height, Config config, boolean mutable) {
         checkSize(width, height);
         Objects.requireNonNull(config, "config");
-        return new Bitmap(width, height, config, packedRowBytes(width, config), mutable);
+        if (config == Config.HARDWARE) {
+            throw new IllegalArgumentException("HARDWARE bitmaps are copies of others");
+        }
+        if (config == Config.RGBA_F16) {
+            throw new UnsupportedOperationException("RGBA_F16 is not stored here");
+        }
+        final Config stored = config == Config.ARGB_4444 ? Config.ARGB_8888 : config;
+        return new Bitmap(width, height, stored, packedRowBytes(width, stored), mutable);
     }
 
     private static int packedRowBytes(int width, Config config) {

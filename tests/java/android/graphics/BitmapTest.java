@@ -8,6 +8,7 @@ import java.nio.ByteBuffer;
 import java.nio.ByteOrder;
 import java.nio.CharBuffer;
 import java.nio.IntBuffer;
+import java.util.Arrays;
 import java.util.HexFormat;
 import org.junit.jupiter.api.Test;
 import org.junit.jupiter.params.ParameterizedTest;
@@ -80,6 +81,15 @@ class BitmapTest {
         final Throwable refusal =
                 assertThrows(Throwable.class, () -> Bitmap.createBitmap(width, height, config));
         assertTrue(refusal.getMessage().startsWith(message), refusal.getMessage());
+    }
+
+    @Test
+    void hasThePlatformsConfigurations() {
+        assertEquals("[ALPHA_8, RGB_565, ARGB_4444, ARGB_8888, RGBA_F16, HARDWARE]",
+                Arrays.toString(Config.values()));
+        assertEquals(ARGB, Bitmap.createBitmap(3, 2, Config.ARGB_4444).getConfig());
+        refuses("UnsupportedOperation", () -> Bitmap.createBitmap(3, 2, Config.RGBA_F16));
+        refuses("IllegalArgument", () -> Bitmap.createBitmap(SIX, 3, 2, Config.HARDWARE));
     }
 
     @Test
