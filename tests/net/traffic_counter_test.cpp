@@ -102,9 +102,9 @@ TEST(TrafficCounter, GivesTheseTotals) {
 // Plain lines, and lines with an odd field, an odd byte or odd gaps, some longer than one read.
 TEST(TrafficCounter, EqualsReference) {
     std::mt19937 random(51);
-    const char* const odd[] = {"+1000", "4294968296", "-4294966296", "0x0x0",
-                               "0x-0",  "0x0x",       "0xffff0000",  "1000a",
-                               "lo",    "0X0",        "-",           "99999999999999999999"};
+    const char* const odd[] = {
+        "+1000", "4294968296", "-4294966296",         "0x0x0", "0x-0", "0xffff0000", "1000a", "lo",
+        "0X0",   "-",          "99999999999999999999"};
     for (int round = 0; round < 150; ++round) {
         std::string content;
         for (int line = 0; line < 500; ++line) {
