@@ -20,6 +20,10 @@ constexpr char kKey[] = "Qx7@Lumatrix2049";  // its 16 characters are the key an
 constexpr int kKeyBits = 128;
 constexpr long kMaxLength = 16L << 20;  // a configuration is a few KiB: larger is no configuration
 
+// Zero bytes behind the text: its end, and three that a virtual machine which does not check the
+// text takes along when it breaks off at the first byte of a character of four.
+constexpr size_t kEnd = 1 + 3;
+
 // Reads the whole of `file` and returns its bytes, to be freed, and their number; null when that is
 // not a positive multiple of the cipher block up to kMaxLength, or not all of them arrive.
 unsigned char* readWhole(FILE* file, size_t& length) {
@@ -78,7 +82,8 @@ ConfigText readConfig(const char* path) {
     unsigned char* ciphertext = readWhole(file, length);
     fclose(file);
     ConfigText config = none;
-    if (ciphertext != nullptr) config = {static_cast<char*>(calloc(length + 1, 1)), length + 1};
+    const size_t size = length + kEnd;
+    if (ciphertext != nullptr) config = {static_cast<char*>(calloc(size, 1)), size};
     if (config.text == nullptr) {
         free(ciphertext);
         __android_log_print(ANDROID_LOG_INFO, kTag, kBadFile);

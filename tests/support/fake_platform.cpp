@@ -4,6 +4,7 @@
 #include <android_runtime/AndroidRuntime.h>
 #include <nativehelper/JNIHelp.h>
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
@@ -79,6 +80,9 @@ FakePlatform::FakePlatform() : previous_(std::exchange(active, this)) {
     functions_.NewStringUTF = [](JNIEnv*, const char* text) {
         active->calls.push_back("NewStringUTF");
         active->newString = text;
+        // A phone's machine before 2020 reads on where a text ends within a character.
+        volatile char followers[4];
+        std::copy_n(text + std::strlen(text), 4, followers);
         return active->fails("NewStringUTF") ? nullptr : string(active->newString);
     };
     functions_.GetStringUTFChars = [](JNIEnv*, jstring text, jboolean* isCopy) -> const char* {
