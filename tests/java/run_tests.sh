@@ -18,4 +18,6 @@ if [[ $(id -u) != 0 ]]; then
     fi
     set -- unshare -Ur "$@"
 fi
+# The phone's own log writes to standard error, whatever the variable names.
+[[ -f $lib/liblog.so ]] || exec 2>>"$ZOREN_LOG_FILE"
 exec "$@"

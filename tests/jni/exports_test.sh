@@ -34,28 +34,31 @@ android::register_zoren_net_ZorenTrafficStats(JNIEnv_*)
 android::register_zoren_util_BitmapGrayUtil(JNIEnv_*)
 android::register_zoren_util_BlurUtil(JNIEnv_*)'
 actual=$(readelf --dyn-syms -W "$library" |
-    awk '$1 ~ /^[0-9]+:$/ && $7 != "UND" && $5 != "LOCAL" { print $8 }' | c++filt | sort)
+    awk '$1 ~ /^[0-9]+:$/ && $7 != "UND" && $5 != "LOCAL" { print $8 }' | c++filt |
+    sed 's/(_JNIEnv\*/(JNIEnv_*/' | sort)  # as the phone names it
 differ 'Exports' "$expected" "$actual"
 
 soname=$(readelf -d -W "$library" | sed -n 's/.*(SONAME).*\[\(.*\)\]/\1/p')
 differ 'Soname' libzoren_runtime.so "$soname"
 
-# A longer one would end in the build tree, an empty entry of it in the current folder.
+# A longer one would end in the build tree, an empty entry of it in the current folder. A phone's own
+# libraries are found without one, those of Debian lie in a folder of theirs.
+needed=$(readelf -d -W "$library" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p')
 runpath=$(readelf -d -W "$library" | sed -n 's/.*(RUNPATH).*\[\(.*\)\]/\1/p')
-differ 'Run path' '$ORIGIN' "$runpath"
+phone=$(grep -x 'libc\.so' <<<"$needed") || true
+differ 'Run path' "${phone:-\$ORIGIN}" "${phone}${runpath%:/usr/lib/*-linux-gnu/android}"
 
 # Besides these only the C and C++ runtime, and that of the sanitizers in such a build. Only where
 # the processor's instruction set is chosen at run time there is libhwy.
 expected='libandroid_runtime.so
-libcrypto.so.3
+libcrypto.so
 '
-readelf -h "$library" | grep -q X86-64 && expected+='libhwy.so.1
+readelf -h "$library" | grep -q X86-64 && expected+='libhwy.so
 '
 expected+='libjnigraphics.so
 liblog.so
 libnativehelper.so'
-needed=$(readelf -d -W "$library" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' |
-    grep -vE '^(lib(stdc\+\+|m|gcc_s|c|[atu]b?san)|ld-linux-.*)\.so\.[0-9]+$' | sort)
-differ 'Needed libraries' "$expected" "$needed"
+differ 'Needed libraries' "$expected" "$(sed 's/\.so\.[0-9]*$/.so/' <<<"$needed" |
+    grep -vE '^(lib(stdc\+\+|c\+\+|m|dl|gcc_s|c|[atu]b?san)|ld-linux-.*)\.so$' | sort)"
 echo "$passed checks passed, $failed failed"
 [ "$failed" -eq 0 ]

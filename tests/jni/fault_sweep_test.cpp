@@ -201,7 +201,7 @@ TEST(FaultSweep, EveryCallMayFail) {
     }
     const std::regex runtimes(
         "__(a|t|ub)san_.*|__sanitizer_.*|__sancov_.*|__st(art|op)___sancov_.*"
-        "|__stack_chk_fail|__cxa_.*|__gmon_start__|_ITM_.*");
+        "|__stack_chk_fail|__cxa_.*|__gmon_start__|_ITM_.*|__register_atfork");
     const std::regex decorated("__(?:isoc\\d+_(\\w+)|(\\w+)_chk)|_ZN.*(registerNativeMethods).*");
     const Lines imports = ImportPatch::functions();
     EXPECT_FALSE(imports.empty());

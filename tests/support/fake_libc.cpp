@@ -58,10 +58,6 @@ size_t readBlock(void* buffer, size_t size, size_t count, FILE* stream) {
     return std::fread(buffer, size, count - lost, stream);
 }
 
-char* readLine(char* line, int size, FILE* stream) {
-    return fails("fgets") ? nullptr : std::fgets(line, size, stream);
-}
-
 }  // namespace
 
 FakeLibc::FakeLibc() : previous_(std::exchange(active, this)) {
@@ -122,14 +118,14 @@ void FakeLibc::patchFiles() {
         if (!fails("rewind")) std::rewind(stream);
     });
     patch("ferror", [](FILE* stream) { return readFailed ? 1 : std::ferror(stream); });
-    // These two are called by other names where the library is compiled with checks of its buffers.
     patch("fread", readBlock);
+#ifdef __BIONIC__  // where the library is compiled with checks of its buffers: the room comes last
+    patch("__fread_chk", [](void* buffer, size_t size, size_t count, FILE* stream, size_t) {
+#else
     patch("__fread_chk", [](void* buffer, size_t, size_t size, size_t count, FILE* stream) {
+#endif
         return readBlock(buffer, size, count, stream);
     });
-    patch("fgets", readLine);
-    patch("__fgets_chk",
-          [](char* line, size_t, int size, FILE* stream) { return readLine(line, size, stream); });
     patch("setvbuf", [](FILE* stream, char* buffer, int mode, size_t size) {
         return fails("setvbuf") ? -1 : std::setvbuf(stream, buffer, mode, size);
     });

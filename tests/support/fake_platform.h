@@ -7,6 +7,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "tests/support/images.h"
@@ -80,8 +81,9 @@ class FakePlatform {
     void* nativeAddress(const char* name);
 
     FakePlatform* const previous_;
-    JNINativeInterface_ functions_ = {};
-    JNIInvokeInterface_ invocation_ = {};
+    // A phone's jni.h has other names for the tables than the JDK's.
+    std::remove_const_t<std::remove_pointer_t<decltype(JNIEnv::functions)>> functions_ = {};
+    std::remove_const_t<std::remove_pointer_t<decltype(JavaVM::functions)>> invocation_ = {};
     JNIEnv env_ = {};
     JavaVM vm_ = {};
 };
