@@ -27,6 +27,7 @@ if(NOT ZOREN_SANITIZE AND NOT CMAKE_BUILD_TYPE STREQUAL Debug)
 endif()
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(aarch64|arm64)")
     add_compile_options(-mbranch-protection=standard)
+    add_link_options(-Wl,-z,max-page-size=16384)  # phones have pages of 4 KiB, new ones of 16
 endif()
 
 # The library alone: failures are return values.

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Reads from a built libzoren_runtime.so that it is hardened. How its sources were compiled is in
 # flags_test.sh.
-# Usage: hardening_test.sh LIBRARY
+# Usage: hardening_test.sh LIBRARY STRIP
 set -u
 export LC_ALL=C
 library=$1
@@ -32,8 +32,18 @@ check 'everything is bound at load' has "$dynamic" 'FLAGS_1.*NOW'
 check 'the stack is not executable' has "$segments" 'GNU_STACK.* RW '
 check 'no segment is writable and executable' lacks "$segments" 'LOAD.*RWE'
 check 'the code is not relocated' lacks "$dynamic" TEXTREL
+# What API level 28 reads: relocations one by one, and the newer of the hash tables.
+check 'relocations are not packed' lacks "$dynamic" 'RELR|ANDROID'
+check 'there is a GNU hash table' has "$dynamic" '\(GNU_HASH\)'
+stripped=$(mktemp)
+size=$("$2" -o "$stripped" "$library" && wc -c <"$stripped")
+rm "$stripped"
+echo "[   SIZE   ] stripped: $size bytes"
 check 'stacks are protected' has "$symbols" ' __stack_chk_fail@'
 if has "$header" AArch64; then
+    check 'segments fit pages of 16 KiB' test "$(awk '$1 == "LOAD" { print $NF }' <<<"$segments" |
+        sort -u)" = 0x4000
+    check 'the stripped library takes 184 KiB at most' test "${size:-none}" -le $((184 << 10))
     # The compiler's runtime has a word in each; x86-64 has Highway's choice besides.
     data=$(size -A "$library" | awk '/^\.(data|bss) / { bytes += $2 } END { print bytes }')
     check 'the library holds no mutable data' test "${data:-none}" -le 16
