@@ -53,7 +53,7 @@ run_test() {
     printf '%-20s %s, %d passed, %d failed, %d s\n' "$name" "$verdict" "$good" "$bad" \
         $((SECONDS - start))
     passed=$((passed + good)) failed=$((failed + bad))
-    sed -n 's/^[0-9]*: \[   FAULTS \] /planted faults: /p; s/^[0-9]*: \[   SIZE   \] //p' "$output"
+    sed -n 's/^[0-9]*: \[   FAULTS \] /planted faults: /p; s/^[0-9]*: \[   DEVICE \] //p' "$output"
     cat "$output" >>"$log"
     rm "$output"
 }

@@ -38,7 +38,7 @@ check 'there is a GNU hash table' has "$dynamic" '\(GNU_HASH\)'
 stripped=$(mktemp)
 size=$("$2" -o "$stripped" "$library" && wc -c <"$stripped")
 rm "$stripped"
-echo "[   SIZE   ] stripped: $size bytes"
+echo "[   DEVICE ] stripped: $size bytes"
 check 'stacks are protected' has "$symbols" ' __stack_chk_fail@'
 if has "$header" AArch64; then
     check 'segments fit pages of 16 KiB' test "$(awk '$1 == "LOAD" { print $NF }' <<<"$segments" |
