@@ -6,6 +6,9 @@ test_packages=(libgtest-dev libclang-rt-14-dev junit5 libxml2-utils)
 check_packages=(clang-format clang-tidy cppcheck g++)
 arm64_packages=(qemu-user-static g++-aarch64-linux-gnu
     libssl-dev:arm64 libgtest-dev:arm64 openjdk-17-jre-headless:arm64)
+device_packages=(blueprint-tools
+    android-liblog-dev android-libnativehelper-dev android-libboringssl-dev
+    android-liblog:arm64 android-libnativehelper:arm64 android-libboringssl:arm64)
 bench_packages=(libbenchmark-dev python3-matplotlib python3-jinja2)
 peer_packages=(libopencv-imgproc-dev libyuv-dev python3-dev python3-pil pkg-config)
 model_packages=(llvm-19 qemu-user g++-aarch64-linux-gnu
