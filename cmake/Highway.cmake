@@ -1,6 +1,8 @@
 # Highway, for kernels that are written once and compiled for each instruction set. Whatever
 # includes its headers links zoren_highway, so that all of it means the same targets.
-find_path(ZOREN_HIGHWAY_INCLUDE hwy/highway.h REQUIRED)  # where the compiler looks anyway
+if(NOT ZOREN_PLATFORM STREQUAL device)
+    find_path(ZOREN_HIGHWAY_INCLUDE hwy/highway.h REQUIRED)  # where the compiler looks anyway
+endif()
 add_library(zoren_highway INTERFACE)
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(aarch64|arm64)")
     # NEON is always there: nothing to choose, so no libhwy and no state.
