@@ -57,6 +57,12 @@ update_lists() {
     return 1
 }
 
+# Makes arm64 a foreign architecture of this machine, with what the builds for it need.
+add_arm64() {
+    dpkg --print-foreign-architectures | grep -qx arm64 || as_root dpkg --add-architecture arm64
+    install_missing "${arm64_packages[@]}" "${device_packages[@]}"
+}
+
 # Runs a command and shows what it printed only when it fails.
 quietly() {
     local log status
