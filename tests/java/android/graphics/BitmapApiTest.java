@@ -17,6 +17,7 @@ import org.junit.jupiter.api.Test;
 
 /** What the stand-in offers, held against the public reference of the phone's class. */
 class BitmapApiTest {
+    private static final Config ARGB = Config.ARGB_8888;
     private static final Map<String, Integer> REFERENCE = Map.ofEntries( // with the API level
             Map.entry("static Bitmap createBitmap(int, int, Config)", 1),
             Map.entry("static Bitmap createBitmap(int[], int, int, Config)", 1),
@@ -53,32 +54,26 @@ class BitmapApiTest {
         assertEquals(there, offered);
 
         final int[] two = new int[2];
-        final Bitmap bitmap = Bitmap.createBitmap(3, 1, Config.RGB_565);
-        final Bitmap fixed = Bitmap.createBitmap(two, 2, 1, Config.ARGB_8888);
-        final Bitmap gone = Bitmap.createBitmap(2, 2, Config.ARGB_8888);
+        final Bitmap odd = Bitmap.createBitmap(3, 1, Config.RGB_565); // 6 bytes
+        final Bitmap fixed = Bitmap.createBitmap(two, 2, 1, ARGB);
+        final Bitmap gone = Bitmap.createBitmap(2, 2, ARGB);
         gone.recycle();
-        for (final Use use : List.of(
-                new Use("no width", "IllegalArgument",
-                        () -> Bitmap.createBitmap(0, 1, Config.ARGB_8888)),
-                new Use("HARDWARE", "IllegalArgument",
-                        () -> Bitmap.createBitmap(1, 1, Config.HARDWARE)),
-                new Use("RGBA_F16", "", () -> Bitmap.createBitmap(1, 1, Config.RGBA_F16)),
-                new Use("too few colours", "IllegalArgument",
-                        () -> Bitmap.createBitmap(two, 3, 1, Config.ARGB_8888)),
-                new Use("getPixel outside", "IllegalArgument", () -> fixed.getPixel(2, 0)),
-                new Use("getPixel recycled", "IllegalState", () -> gone.getPixel(0, 0)),
-                new Use("setPixel outside", "IllegalArgument", () -> bitmap.setPixel(0, -1, 0)),
-                new Use("setPixel immutable", "IllegalState", () -> fixed.setPixel(0, 0, 0)),
-                new Use("getPixels outside", "IllegalArgument",
-                        () -> fixed.getPixels(two, 0, 2, 1, 0, 2, 1)),
-                new Use("getPixels short", "ArrayIndexOutOfBounds",
-                        () -> fixed.getPixels(two, 1, 2, 0, 0, 2, 1)),
-                new Use("setPixels immutable", "IllegalState",
-                        () -> fixed.setPixels(two, 0, 2, 0, 0, 2, 1)),
-                new Use("to a short buffer", "Runtime",
-                        () -> bitmap.copyPixelsToBuffer(ByteBuffer.allocate(5))),
-                new Use("from an int buffer", "", // 6 bytes of its 8
-                        () -> bitmap.copyPixelsFromBuffer(IntBuffer.allocate(2))))) {
+        final Use[] uses = {
+            new Use("no width", "IllegalArgument", () -> Bitmap.createBitmap(0, 1, ARGB)),
+            new Use("graphic", "IllegalArgument", () -> Bitmap.createBitmap(1, 1, Config.HARDWARE)),
+            new Use("RGBA_F16", "", () -> Bitmap.createBitmap(1, 1, Config.RGBA_F16)),
+            new Use("few colours", "IllegalArgument", () -> Bitmap.createBitmap(two, 3, 1, ARGB)),
+            new Use("getPixel outside", "IllegalArgument", () -> fixed.getPixel(2, 0)),
+            new Use("getPixel recycled", "IllegalState", () -> gone.getPixel(0, 0)),
+            new Use("setPixel outside", "IllegalArgument", () -> odd.setPixel(0, -1, 0)),
+            new Use("setPixel immutable", "IllegalState", () -> fixed.setPixel(0, 0, 0)),
+            new Use("outside", "IllegalArgument", () -> fixed.getPixels(two, 0, 2, 1, 0, 2, 1)),
+            new Use("short", "ArrayIndexOutOfBounds", () -> fixed.getPixels(two, 1, 2, 0, 0, 2, 1)),
+            new Use("immutable", "IllegalState", () -> fixed.setPixels(two, 0, 2, 0, 0, 2, 1)),
+            new Use("to 5 bytes", "Runtime", () -> odd.copyPixelsToBuffer(ByteBuffer.allocate(5))),
+            new Use("from 2 ints", "", () -> odd.copyPixelsFromBuffer(IntBuffer.allocate(2))),
+        };
+        for (final Use use : uses) {
             String thrown = "";
             try {
                 use.call.run();
@@ -93,8 +88,8 @@ class BitmapApiTest {
                 + " reference, and differently " + differences);
         assertEquals(List.of(
                 "RGBA_F16: 'UnsupportedOperation' for ''", // no half floats are stored here
-                "too few colours: 'ArrayIndexOutOfBounds' for 'IllegalArgument'", // a phone's, too
-                "from an int buffer: 'Runtime' for ''"), // nothing copies a part of an element
+                "few colours: 'ArrayIndexOutOfBounds' for 'IllegalArgument'", // a phone's, too
+                "from 2 ints: 'Runtime' for ''"), // nothing copies a part of an element
                 differences);
     }
 }
