@@ -19,4 +19,9 @@ struct BitmapStruct {
     uint32_t* pixels;  // the top-left pixel
 };
 
+// Other native code of the phone was compiled with this layout.
+static_assert(sizeof(BitmapStruct) == 16 && __builtin_offsetof(BitmapStruct, width) == 0 &&
+              __builtin_offsetof(BitmapStruct, height) == 4 &&
+              __builtin_offsetof(BitmapStruct, pixels) == 8);
+
 }  // namespace android
