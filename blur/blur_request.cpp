@@ -10,19 +10,10 @@
 namespace android {
 namespace {
 
-// Four times the radius, truncated, less one when even; 0 where that leaves no tap.
-int32_t kernelSize(float radius) {
-    const float taps = 4.0f * radius;
-    if (!(taps >= 1.0f)) return 0;  // NaN too
-    if (taps >= 2147483648.0f) return INT32_MAX;
-    const int32_t size = static_cast<int32_t>(taps);
-    return size % 2 == 0 ? size - 1 : size;
-}
-
 // Blurs `view`; false when the radius is refused or memory cannot be had, with the pixels
 // untouched. The kernel is handed to `kernel`, which outlives the lock.
 bool blur(BitmapStruct* view, float radius, std::unique_ptr<int32_t[]>& kernel) {
-    const int32_t size = kernelSize(radius);
+    const int32_t size = gaussianKernelSize(radius);
     if (size == 0) return true;
     if (size > kMaxKernelSize) return false;
     kernel.reset(new (std::nothrow) int32_t[static_cast<size_t>(size)]);

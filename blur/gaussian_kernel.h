@@ -2,6 +2,22 @@
 
 #include <cstdint>
 
+namespace android {
+
+// Returns how many taps a blur of standard deviation `radius` (pixels) has: 4 * radius truncated,
+// less one when that is even, so that it reaches about twice the radius to either side. 0, which is
+// no blur, below a radius of 0.25 and for NaN. From 23170.75 on it is more than kMaxKernelSize, and
+// 2147483647 where an integer ends.
+inline int32_t gaussianKernelSize(float radius) {
+    const float taps = 4.0f * radius;
+    if (!(taps >= 1.0f)) return 0;  // NaN too
+    if (taps >= 2147483648.0f) return INT32_MAX;
+    const int32_t size = static_cast<int32_t>(taps);
+    return size % 2 == 0 ? size - 1 : size;
+}
+
+}  // namespace android
+
 #pragma GCC visibility push(default)  // the exported surface: jni/exports.map
 namespace android {
 
