@@ -83,7 +83,7 @@ rm "$work/lacking"
 # No git: every source is laid out and checked, but nothing that was built.
 sources() { (cd "$tree" && find "$@" -name '*.cpp' | wc -l); }
 mkdir -p "$tree/build/x" && touch "$tree/build/x/made.cpp"
-check 'format' "$(sources analysis bench blur config device fuzz jni net platform tests)" \
+check 'format' "$(sources analysis bench blur config device examples fuzz jni net platform tests)" \
     "$("$tree/scripts/format" | grep -c '\.cpp$')"
 # Two files are for 64-bit ARM alone.
 check 'check' "0 $(($(sources jni blur analysis config net platform device) - 2))" "$("$tree/scripts/check" >"$work/check.log" 2>&1
