@@ -35,8 +35,7 @@ write_basic_package_version_file(zoren_runtimeConfigVersion.cmake COMPATIBILITY 
 install(FILES ${CMAKE_BINARY_DIR}/zoren_runtimeConfig.cmake
               ${CMAKE_BINARY_DIR}/zoren_runtimeConfigVersion.cmake
     DESTINATION ${ZOREN_INSTALL_CMAKE} COMPONENT development)
-# Written when it is installed: only then is the prefix known, and a run path that is relative to the
-# file itself would end where its folder is not installed.
+# Written when it is installed: only then is the prefix known, which the run path names.
 foreach(name PROJECT_VERSION ZOREN_INSTALL_LIBRARY ZOREN_INSTALL_HEADERS)
     install(CODE "set(${name} ${${name}})" COMPONENT development)
 endforeach()
@@ -51,7 +50,8 @@ foreach(kind sources javadoc)  # where they were built: the target `companions`
 endforeach()
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
 
-# The command line.
+# The command line; its manual and completion where they were built: the target `manual`, which
+# wants help2man.
 install(TARGETS zoren_device_root
     LIBRARY DESTINATION ${ZOREN_INSTALL_LIBRARY} COMPONENT command)
 install(FILES ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/zoren-cli.jar
@@ -60,3 +60,18 @@ set(ZOREN_LAUNCHER_LIBRARY ${ZOREN_INSTALL_LIBRARY})
 configure_file(cli/zoren.in ${CMAKE_BINARY_DIR}/installed/zoren @ONLY)
 install(PROGRAMS ${CMAKE_BINARY_DIR}/installed/zoren
     DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT command)
+
+set(manual ${CMAKE_BINARY_DIR}/manual)
+add_custom_target(manual
+    COMMAND ${CMAKE_COMMAND} -E env SOURCE_DATE_EPOCH=$ENV{SOURCE_DATE_EPOCH} bash
+        ${PROJECT_SOURCE_DIR}/cmake/manual.sh ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/zoren ${manual}
+    DEPENDS zoren_runtime zoren_cli_jar zoren_framework_jar zoren_platform_jar VERBATIM)
+install(DIRECTORY ${manual}/man1 DESTINATION ${CMAKE_INSTALL_MANDIR} COMPONENT command OPTIONAL)
+install(FILES ${manual}/zoren
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT command OPTIONAL)
+set(zsh_functions site-functions)
+if(CMAKE_INSTALL_PREFIX STREQUAL /usr)  # where Debian's own packages put them
+    set(zsh_functions vendor-completions)
+endif()
+install(FILES ${manual}/_zoren
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/${zsh_functions} COMPONENT command OPTIONAL)

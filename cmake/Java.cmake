@@ -14,8 +14,8 @@ set(CMAKE_JAVA_COMPILE_FLAGS -Xlint:all -Werror --release 17 -encoding UTF-8)
 string(TIMESTAMP jar_date "%Y-%m-%dT%H:%M:%SZ" UTC)  # that of cmake/Dates.cmake
 set(Java_JAR_EXECUTABLE sh ${PROJECT_SOURCE_DIR}/cmake/jar.sh ${Java_JAR_EXECUTABLE} ${jar_date})
 
-# zoren_jar_manifest(NAME MODULE): writes the manifest of NAME.jar, which says its
-# version and the module it is on a module path, and gives its path as ZOREN_MANIFEST.
+# zoren_jar_manifest(NAME MODULE): writes the manifest of NAME.jar, which says its version and the
+# module it is on a module path, and gives its path as ZOREN_MANIFEST.
 function(zoren_jar_manifest name module)
     set(ZOREN_MANIFEST ${CMAKE_CURRENT_BINARY_DIR}/${name}.manifest)
     file(CONFIGURE OUTPUT ${ZOREN_MANIFEST} CONTENT "Automatic-Module-Name: ${module}
@@ -25,9 +25,9 @@ Implementation-Version: ${PROJECT_VERSION}
     set(ZOREN_MANIFEST ${ZOREN_MANIFEST} PARENT_SCOPE)
 endfunction()
 
-# zoren_java_companions(NAME ROOT CLASS_PATH FILE...): NAME-sources.jar with the sources FILE... below
-# the folder ROOT, and NAME-javadoc.jar with what javadoc makes of them. Only the target `companions`
-# builds them, and they are installed where they were built.
+# zoren_java_companions(NAME ROOT CLASS_PATH FILE...): NAME-sources.jar with the sources FILE...
+# below the folder ROOT, and NAME-javadoc.jar with what javadoc makes of them. Only the target
+# `companions` builds them, and they are installed where they were built.
 add_custom_target(companions)
 function(zoren_java_companions name root class_path)
     set(jar ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/${name})
