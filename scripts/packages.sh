@@ -4,6 +4,7 @@ run_packages=(cmake ninja-build clang libhwy-dev libssl-dev openjdk-17-jdk-headl
     libpicocli-java libjackson2-core-java libmetadata-extractor-java libxmpcore-java)
 test_packages=(libgtest-dev libclang-rt-14-dev junit5 libxml2-utils pkg-config)
 package_packages=(help2man dpkg-dev lintian)
+docs_packages=(help2man pandoc doxygen mandoc linkchecker)
 check_packages=(clang-format clang-tidy cppcheck g++)
 arm64_packages=(qemu-user-static g++-aarch64-linux-gnu
     libssl-dev:arm64 libgtest-dev:arm64 openjdk-17-jre-headless:arm64)
