@@ -41,7 +41,7 @@ install_missing() {
         echo "    apt-get update && apt-get install ${missing[*]}" >&2
         return 1
     fi
-    echo "Installing ${missing[*]} (a minute or two) ..."
+    echo "Installing ${missing[*]} (some minutes) ..."
     quietly update_lists
     quietly as_root env DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=600 \
         install -y --no-install-recommends "${missing[@]}"
