@@ -1,7 +1,8 @@
 # Sourced by the other scripts: what they need from Debian, and how it is installed and built.
 
 run_packages=(cmake ninja-build clang libhwy-dev libssl-dev openjdk-17-jdk-headless
-    libpicocli-java libjackson2-core-java libmetadata-extractor-java libxmpcore-java)
+    libpicocli-java libjackson2-core-java libmetadata-extractor-java libxmpcore-java
+    libtwelvemonkeys-java)
 test_packages=(libgtest-dev libclang-rt-14-dev junit5 libxml2-utils pkg-config)
 package_packages=(help2man dpkg-dev lintian)
 docs_packages=(help2man pandoc doxygen mandoc linkchecker)
