@@ -2,6 +2,7 @@ package zoren.cli;
 
 import android.util.ZorenConfig;
 import com.sun.security.auth.module.UnixSystem;
+import java.io.IOException;
 import java.io.PrintWriter;
 import java.nio.file.Files;
 import java.nio.file.Path;
@@ -29,14 +30,14 @@ import picocli.CommandLine.Spec;
                     + " names a file to append to; empty, it means standard error."
         })
 final class ConfigCommand implements Callable<Integer> {
-    private static final String PATH = "/system/etc/jpsp";
+    private static final String PATH = "system/etc/jpsp";
     private static final int BLOCK_BYTES = 16;
 
     @Spec private CommandSpec spec;
     @Mixin private DeviceRoot deviceRoot;
 
     @Override
-    public Integer call() throws Failure {
+    public Integer call() throws Failure, IOException {
         final Path file = deviceRoot.resolve(PATH);
         final String text = ZorenConfig.getConfigXML();
         if (text == null) {
@@ -52,7 +53,7 @@ final class ConfigCommand implements Callable<Integer> {
     }
 
     /** Finds out why the library gave no text. */
-    private static Failure failure(Path file) {
+    private static Failure failure(Path file) throws IOException {
         final long uid = new UnixSystem().getUid();
         if (uid != 0) {
             return new Failure("the configuration is for uid 0 only, and this is uid " + uid);
@@ -60,10 +61,10 @@ final class ConfigCommand implements Callable<Integer> {
         if (!Files.exists(file)) {
             return new Failure(file, "there is no configuration file");
         }
-        if (!Files.isRegularFile(file) || !Files.isReadable(file)) {
+        if (!Files.isReadable(file)) {
             return new Failure(file, "the configuration file cannot be read");
         }
-        final long bytes = file.toFile().length();
+        final long bytes = Files.size(file);
         if (bytes == 0 || bytes % BLOCK_BYTES != 0 || bytes > SealCommand.MAX_SEALED_BYTES) {
             return new Failure(
                     file, "is not a configuration file (whole cipher blocks, up to 16 MiB)");

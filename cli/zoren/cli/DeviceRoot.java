@@ -19,16 +19,23 @@ final class DeviceRoot {
                             + " environment variable " + VARIABLE + " names it.")
     private Path folder;
 
-    /** Returns where the library looks for a file of the phone. */
+    /** Returns where the library looks for a file of the phone, a regular one if there is any. */
     Path resolve(String devicePath) throws Failure {
         final String variable = System.getenv(VARIABLE);
         final String root = variable == null ? "" : variable;
-        if (folder != null && !folder.equals(Path.of(root))) {
+        // As text, which is all that a variable keeps of a name that is not UTF-8.
+        if (folder != null && !folder.toString().equals(Path.of(root).toString())) {
             throw new Failure("--device-root takes effect only through the launcher, bin/zoren");
         }
-        if (!root.isEmpty() && !Files.isDirectory(Path.of(root))) {
-            throw new Failure(Path.of(root), "the device root is not a folder");
+        final Path top = folder == null ? Path.of(root.isEmpty() ? "/" : root) : folder;
+        if (!Files.isDirectory(top)) {
+            throw new Failure(top, "the device root is not a folder");
         }
-        return Path.of(root + devicePath);
+        final Path file = top.resolve(devicePath);
+        // The library opens whatever is there: a pipe would keep it waiting, a device has no end.
+        if (Files.exists(file) && !Files.isRegularFile(file)) {
+            throw new Failure(file, "is not a regular file");
+        }
+        return file;
     }
 }

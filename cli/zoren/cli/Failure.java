@@ -8,7 +8,7 @@ import java.nio.file.Path;
 import javax.imageio.IIOException;
 
 /** What the user can act on: the message becomes one line on standard error, the exit code 1. */
-final class Failure extends Exception {
+class Failure extends Exception {
     private static final long serialVersionUID = 1L;
 
     Failure(String message) {
@@ -16,7 +16,7 @@ final class Failure extends Exception {
     }
 
     Failure(Path path, String reason) {
-        super(path + ": " + reason);
+        super(Names.shown(path) + ": " + reason);
     }
 
     Failure(Path path, IOException cause) {

@@ -2,6 +2,7 @@ package zoren.cli;
 
 import com.fasterxml.jackson.core.JsonFactory;
 import com.fasterxml.jackson.core.JsonGenerator;
+import com.fasterxml.jackson.core.json.JsonWriteFeature;
 import java.io.IOException;
 import java.io.PrintWriter;
 
@@ -9,9 +10,14 @@ import java.io.PrintWriter;
 final class Json {
     private Json() {}
 
-    /** Returns a writer of compact JSON that leaves {@code out} open when it is closed. */
+    /**
+     * Returns a writer of compact JSON that leaves {@code out} open when it is closed. Names may
+     * hold what steers a terminal, beyond ASCII too.
+     */
     static JsonGenerator generator(PrintWriter out) throws IOException {
-        return new JsonFactory()
+        return JsonFactory.builder()
+                .enable(JsonWriteFeature.ESCAPE_NON_ASCII)
+                .build()
                 .createGenerator(out)
                 .disable(JsonGenerator.Feature.AUTO_CLOSE_TARGET);
     }
