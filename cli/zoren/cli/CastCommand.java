@@ -5,7 +5,6 @@ import com.fasterxml.jackson.core.JsonGenerator;
 import java.io.IOException;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.Option;
-import picocli.CommandLine.ParameterException;
 import zoren.util.BitmapGrayUtil;
 
 @Command(
@@ -21,30 +20,38 @@ import zoren.util.BitmapGrayUtil;
                     + " cast are the same number.",
             ""
         },
-        footer = {"", "Example:", "  zoren cast photo.jpg --saturation 50 --brightness 80"})
+        footer = {
+            "",
+            "Examples:",
+            "  zoren cast photo.jpg --saturation 50 --brightness 80",
+            "  zoren cast --explain photo.jpg"
+        })
 final class CastCommand extends MeasureCommand {
     private static final int NONE = -1;
 
     @Option(
-            names = "--saturation",
+            names = {"-s", "--saturation"},
             defaultValue = "100",
             paramLabel = "0..100",
+            converter = Numbers.Percent.class,
             description = "The printed colour's saturation in percent, 100 by default.")
     private int saturation;
 
     @Option(
-            names = "--brightness",
+            names = {"-b", "--brightness"},
             defaultValue = "100",
             paramLabel = "0..100",
+            converter = Numbers.Percent.class,
             description = "The printed colour's brightness in percent, 100 by default.")
     private int brightness;
 
-    @Override
-    public Integer call() throws Failure, IOException {
-        checkPercentage("--saturation", saturation);
-        checkPercentage("--brightness", brightness);
-        return super.call();
-    }
+    @Option(
+            names = {"-e", "--explain"},
+            description =
+                    "Print also what decided: the share of coloured pixels, the leading span of"
+                            + " hues, the runner-up, and the rule that refused; on a terminal the"
+                            + " hues as a histogram.")
+    private boolean explain;
 
     @Override
     String name() {
@@ -52,24 +59,30 @@ final class CastCommand extends MeasureCommand {
     }
 
     @Override
-    int measure(Bitmap bitmap) {
-        return BitmapGrayUtil.getBitmapColorCast(bitmap, saturation, brightness);
-    }
+    Measure measure(Bitmap bitmap) {
+        final int cast = BitmapGrayUtil.getBitmapColorCast(bitmap, saturation, brightness);
+        final String text = cast == NONE ? null : String.format("#%06X", cast & 0xFFFFFF);
+        final HueShares shares = explain ? new HueShares(bitmap) : null;
+        return new Measure() {
+            @Override
+            public String text() {
+                return text == null ? "none" : text;
+            }
 
-    @Override
-    String text(int measure) {
-        return measure == NONE ? "none" : String.format("#%06X", measure & 0xFFFFFF);
-    }
+            @Override
+            public String details() {
+                return shares == null
+                        ? ""
+                        : shares.lines(Boolean.getBoolean("zoren.output-terminal"));
+            }
 
-    @Override
-    void writeValue(JsonGenerator generator, int measure) throws IOException {
-        generator.writeString(measure == NONE ? null : text(measure));
-    }
-
-    private void checkPercentage(String option, int value) {
-        if (value < 0 || value > 100) {
-            throw new ParameterException(
-                    spec.commandLine(), option + " must be from 0 to 100, not " + value);
-        }
+            @Override
+            public void writeTo(JsonGenerator generator) throws IOException {
+                generator.writeStringField(name(), text);
+                if (shares != null) {
+                    shares.writeTo(generator);
+                }
+            }
+        };
     }
 }

@@ -23,17 +23,18 @@ final class GrayCommand extends MeasureCommand {
     }
 
     @Override
-    int measure(Bitmap bitmap) {
-        return BitmapGrayUtil.getBitmapGray(bitmap);
-    }
+    Measure measure(Bitmap bitmap) {
+        final int level = BitmapGrayUtil.getBitmapGray(bitmap);
+        return new Measure() {
+            @Override
+            public String text() {
+                return Integer.toString(level);
+            }
 
-    @Override
-    String text(int measure) {
-        return Integer.toString(measure);
-    }
-
-    @Override
-    void writeValue(JsonGenerator generator, int measure) throws IOException {
-        generator.writeNumber(measure);
+            @Override
+            public void writeTo(JsonGenerator generator) throws IOException {
+                generator.writeNumberField(name(), level);
+            }
+        };
     }
 }

@@ -1,45 +1,31 @@
 package zoren.cli;
 
 import android.graphics.Bitmap;
-import com.drew.imaging.ImageProcessingException;
-import com.drew.imaging.jpeg.JpegMetadataReader;
-import com.drew.imaging.png.PngChunk;
-import com.drew.imaging.png.PngChunkReader;
-import com.drew.imaging.png.PngChunkType;
-import com.drew.lang.ByteArrayReader;
-import com.drew.lang.StreamReader;
-import com.drew.metadata.Metadata;
-import com.drew.metadata.exif.ExifIFD0Directory;
-import com.drew.metadata.exif.ExifReader;
+import java.awt.Rectangle;
 import java.awt.color.ColorSpace;
 import java.awt.image.BufferedImage;
-import java.awt.image.ColorModel;
-import java.awt.image.ComponentColorModel;
-import java.awt.image.DataBuffer;
-import java.io.BufferedInputStream;
+import java.awt.image.SampleModel;
+import java.io.FilterOutputStream;
 import java.io.IOException;
-import java.io.InputStream;
 import java.io.OutputStream;
-import java.nio.file.Files;
-import java.nio.file.Path;
 import java.util.ArrayList;
-import java.util.Iterator;
 import java.util.List;
-import java.util.Locale;
-import java.util.Set;
 import javax.imageio.IIOImage;
 import javax.imageio.ImageIO;
+import javax.imageio.ImageReadParam;
 import javax.imageio.ImageReader;
+import javax.imageio.ImageTypeSpecifier;
 import javax.imageio.ImageWriteParam;
 import javax.imageio.ImageWriter;
-import javax.imageio.stream.FileImageInputStream;
 import javax.imageio.stream.ImageInputStream;
 import javax.imageio.stream.ImageOutputStream;
 import javax.imageio.stream.MemoryCacheImageOutputStream;
 
-/** Moves pictures between files and bitmaps, sample by sample. */
+/** Moves pictures between files and bitmaps, sample by sample and some rows at a time. */
 final class Pictures {
-    private static final float JPEG_QUALITY = 0.95f;
+    private static final int STRIP_PIXELS = 2 << 20; // of formats whose decoders find their way
+    private static final int PNG_HEADER_BYTES = 33; // signature and IHDR
+    private static final int JPEG_HEADER_BYTES = 20; // start and JFIF segment
     // What the decoders warn of and decode right all the same. With any other warning samples may
     // be lost: bytes that do not fit the code or are left over, an early end, a chunk passed over.
     private static final List<String> HARMLESS_WARNINGS =
@@ -51,236 +37,148 @@ final class Pictures {
                     "has more entries than prior PLTE chunk",
                     "contains too many entries for bit depth",
                     "gray alpha image cannot have a PLTE chunk",
+                    "No embedded ICC color profile", // of CMYK samples
                     "RGBS images may not have a tRNS chunk"); // they have alpha itself
 
     private Pictures() {}
 
-    /** Tells whether the name is one of a picture that can be written: .png, .jpg or .jpeg. */
-    static boolean isPictureName(Path path) {
-        return isPng(path) || isJpeg(path);
-    }
-
     /**
-     * Returns the picture as an ARGB_8888 bitmap, upright. The colour samples come as the file has
-     * them, with alpha not multiplied in; 16-bit samples are brought to 8 bits.
+     * Returns the picture as an ARGB_8888 bitmap, upright; of several, the first. The colour
+     * samples come as the file has them, with alpha not multiplied in; 16-bit samples are brought
+     * to 8 bits.
      */
-    static Bitmap read(Path path) throws Failure {
-        if (!Files.exists(path)) {
-            throw new Failure(path, "no such file");
-        }
-        if (Files.isDirectory(path)) {
-            throw new Failure(path, "is a folder, not a picture");
-        }
-        if (!Files.isReadable(path)) {
-            throw new Failure(path, "permission denied");
-        }
+    static Picture read(Source source, PixelBudget budget) throws Failure {
         ImageReader reader = null;
-        try (ImageInputStream in = new FileImageInputStream(path.toFile())) {
-            final Iterator<ImageReader> readers = ImageIO.getImageReaders(in);
-            reader = readers.hasNext() ? readers.next() : null;
-            if (reader == null || !isFormat(reader, "png") && !isFormat(reader, "jpeg")) {
-                throw new Failure(path, "is not a PNG or JPEG picture");
+        int taken = 0;
+        Picture picture = null;
+        try (ImageInputStream in = source.open()) {
+            final List<String> losses = new ArrayList<>();
+            reader = open(source.format, source.format == Format.WEBP, in, losses);
+            taken = budget.take(source, reader.getWidth(0), reader.getHeight(0));
+            final Notes notes = Notes.of(source, reader);
+            Format.Way way = source.format.way;
+            final int space =
+                    reader.getImageTypes(0).next().getColorModel().getColorSpace().getType();
+            if (space != ColorSpace.TYPE_RGB && space != ColorSpace.TYPE_GRAY) { // CMYK, perhaps
+                reader.dispose();
+                in.seek(0);
+                losses.clear();
+                // The plug-in makes it RGB, by the profile if there is one.
+                reader = open(source.format, true, in, losses);
+                way = Format.Way.WHOLE;
+                notes.dropProfile();
             }
-            return decode(path, reader, in);
+            final Bitmap bitmap = decode(reader, way, notes.orientation());
+            if (!losses.isEmpty()) {
+                throw new Failure(source.name + ": is not a whole picture: " + losses.get(0));
+            }
+            picture = new Picture(bitmap, source.format, notes, budget);
+            return picture;
         } catch (IOException | RuntimeException e) { // decoders throw both on broken data
-            throw new Failure(path, "is not a whole picture: " + e.getMessage());
+            throw new Failure(source.name + ": is not a whole picture: " + e.getMessage());
         } catch (OutOfMemoryError e) {
-            throw new Failure(path, "is too large for the memory there is");
+            throw new Failure(source.name + ": is too large for the memory there is");
         } finally {
             if (reader != null) {
                 reader.dispose();
             }
+            if (picture == null && taken > 0) {
+                budget.giveBack(taken);
+            }
         }
     }
 
-    /** Writes the bitmap as the kind of picture that the name asks for. JPEG drops alpha. */
-    static void write(Bitmap bitmap, Path path) throws Failure {
-        final BufferedImage image = toImage(bitmap, !isJpeg(path));
-        final String format = isJpeg(path) ? "jpeg" : "png";
-        WholeFile.write(path, WholeFile.SHARED, out -> encode(image, format, out));
-    }
-
-    private static boolean isPng(Path path) {
-        return lowerCaseName(path).endsWith(".png");
-    }
-
-    private static boolean isJpeg(Path path) {
-        return lowerCaseName(path).endsWith(".jpg") || lowerCaseName(path).endsWith(".jpeg");
-    }
-
-    private static String lowerCaseName(Path path) {
-        return String.valueOf(path.getFileName()).toLowerCase(Locale.ROOT);
-    }
-
-    private static boolean isFormat(ImageReader reader, String name) throws IOException {
-        return reader.getFormatName().equalsIgnoreCase(name);
-    }
-
-    private static Bitmap decode(Path path, ImageReader reader, ImageInputStream in)
-            throws IOException, Failure {
-        reader.setInput(in, true, true);
-        final long width = reader.getWidth(0);
-        final long height = reader.getHeight(0);
-        if (width * height > Integer.MAX_VALUE / 4) {
-            throw new Failure(
-                    path, width + " x " + height + " pixels are more than a bitmap holds");
-        }
-        final List<String> losses = new ArrayList<>();
+    /** Returns a decoder that lists what it loses from its first look at the header on. */
+    private static ImageReader open(
+            Format format, boolean plugIn, ImageInputStream in, List<String> losses) {
+        final ImageReader reader = format.reader(plugIn);
         reader.addIIOReadWarningListener(
-                (source, warning) -> {
+                (from, warning) -> {
                     if (HARMLESS_WARNINGS.stream().noneMatch(warning::contains)) {
                         losses.add(warning);
                     }
                 });
-        final BufferedImage image = reader.read(0);
-        if (!losses.isEmpty()) {
-            throw new Failure(path, "is not a whole picture: " + losses.get(0));
-        }
-        final int space = image.getColorModel().getColorSpace().getType();
-        if (space != ColorSpace.TYPE_RGB && space != ColorSpace.TYPE_GRAY) {
-            throw new Failure(path, "is neither RGB nor gray (CMYK, perhaps); save it as RGB");
-        }
-        return toBitmap(image, orientation(path, isFormat(reader, "png")));
+        // A TIFF file's parts may lie anywhere in it, and its notes are in the reader's metadata.
+        final boolean forward = format != Format.TIFF;
+        reader.setInput(in, forward, forward);
+        return reader;
     }
 
-    /** Returns the EXIF orientation, 1 to 8, or 1 (upright) where the file tells none. */
-    private static int orientation(Path path, boolean png) {
-        try {
-            final ExifIFD0Directory directory =
-                    (png ? readPngExif(path) : readJpegExif(path))
-                            .getFirstDirectoryOfType(ExifIFD0Directory.class);
-            final Integer orientation =
-                    directory == null
-                            ? null
-                            : directory.getInteger(ExifIFD0Directory.TAG_ORIENTATION);
-            return orientation != null && orientation >= 1 && orientation <= 8 ? orientation : 1;
-        } catch (IOException | ImageProcessingException e) {
-            return 1;
-        }
-    }
-
-    private static Metadata readJpegExif(Path path) throws IOException, ImageProcessingException {
-        return JpegMetadataReader.readMetadata(path.toFile(), List.of(new ExifReader()));
-    }
-
-    /** The library reads a PNG's chunks, but does not know this one. */
-    private static Metadata readPngExif(Path path) throws IOException, ImageProcessingException {
-        final Metadata metadata = new Metadata();
-        try (InputStream in = new BufferedInputStream(Files.newInputStream(path))) {
-            final Set<PngChunkType> wanted = Set.of(new PngChunkType("eXIf"));
-            for (final PngChunk chunk :
-                    new PngChunkReader().extract(new StreamReader(in), wanted)) {
-                new ExifReader().extract(new ByteArrayReader(chunk.getBytes()), metadata);
-            }
-        }
-        return metadata;
-    }
-
-    /** Copies the picture row by row, each to where the EXIF orientation wants it. */
-    private static Bitmap toBitmap(BufferedImage image, int orientation) {
-        final int width = image.getWidth();
-        final int height = image.getHeight();
-        final boolean rowsBecomeColumns = orientation >= 5;
-        final boolean reversed = List.of(2, 3, 7, 8).contains(orientation);
-        final boolean fromFarSide = List.of(3, 4, 6, 7).contains(orientation);
-        final Bitmap bitmap =
-                Bitmap.createBitmap(
-                        rowsBecomeColumns ? height : width,
-                        rowsBecomeColumns ? width : height,
-                        Bitmap.Config.ARGB_8888);
-        final int[] row = new int[width];
-        final int[] samples = new int[4 * width];
-        for (int y = 0; y < height; ++y) {
-            readRow(image, y, samples, row);
-            if (reversed) {
-                reverse(row);
-            }
-            final int line = fromFarSide ? height - 1 - y : y;
-            if (rowsBecomeColumns) {
-                bitmap.setPixels(row, 0, 1, line, 0, 1, width);
-            } else {
-                bitmap.setPixels(row, 0, width, 0, line, width, 1);
-            }
-        }
-        return bitmap;
-    }
-
-    /**
-     * Reads row {@code y} as ARGB ints. Gray and 16-bit samples are taken from the raster, because
-     * {@link BufferedImage#getRGB} would convert a gray sample to another one by way of gamma.
-     */
-    private static void readRow(BufferedImage image, int y, int[] samples, int[] row) {
-        final ColorModel model = image.getColorModel();
-        final boolean gray = model.getColorSpace().getType() == ColorSpace.TYPE_GRAY;
-        final int type = model.getTransferType();
-        if (!(model instanceof ComponentColorModel)
-                || model.isAlphaPremultiplied()
-                || !(type == DataBuffer.TYPE_BYTE || type == DataBuffer.TYPE_USHORT)) {
-            image.getRGB(0, y, row.length, 1, row, 0, row.length);
-            return;
-        }
-        final int bands = image.getRaster().getNumBands();
-        image.getRaster().getPixels(0, y, row.length, 1, samples);
-        for (int x = 0, i = 0; x < row.length; ++x, i += bands) {
-            final int red = toByte(samples[i], type);
-            final int green = gray ? red : toByte(samples[i + 1], type);
-            final int blue = gray ? red : toByte(samples[i + 2], type);
-            final int alpha = model.hasAlpha() ? toByte(samples[i + bands - 1], type) : 255;
-            row[x] = alpha << 24 | red << 16 | green << 8 | blue;
-        }
-    }
-
-    private static int toByte(int sample, int type) {
-        return type == DataBuffer.TYPE_BYTE ? sample : (sample * 255 + 32767) / 65535;
-    }
-
-    private static void reverse(int[] row) {
-        for (int i = 0, j = row.length - 1; i < j; ++i, --j) {
-            final int color = row[i];
-            row[i] = row[j];
-            row[j] = color;
-        }
-    }
-
-    /** Copies the bitmap, with an alpha channel if that is allowed and some pixel is not opaque. */
-    private static BufferedImage toImage(Bitmap bitmap, boolean alphaAllowed) {
-        final int width = bitmap.getWidth();
-        final int height = bitmap.getHeight();
-        final int[] row = new int[width];
-        boolean opaque = true;
-        for (int y = 0; y < height && alphaAllowed && opaque; ++y) {
-            bitmap.getPixels(row, 0, width, 0, y, width, 1);
-            for (final int color : row) {
-                opaque &= color >>> 24 == 255;
-            }
-        }
-        final BufferedImage image =
-                new BufferedImage(
-                        width,
-                        height,
-                        alphaAllowed && !opaque
-                                ? BufferedImage.TYPE_INT_ARGB
-                                : BufferedImage.TYPE_INT_RGB);
-        for (int y = 0; y < height; ++y) {
-            bitmap.getPixels(row, 0, width, 0, y, width, 1);
-            image.getRaster().setDataElements(0, y, width, 1, row);
-        }
-        return image;
-    }
-
-    private static void encode(BufferedImage image, String format, OutputStream out)
+    private static Bitmap decode(ImageReader reader, Format.Way way, int orientation)
             throws IOException {
-        final ImageWriter writer = ImageIO.getImageWritersByFormatName(format).next();
-        try (ImageOutputStream imageOut = new MemoryCacheImageOutputStream(out)) {
+        final int width = reader.getWidth(0);
+        final int height = reader.getHeight(0);
+        final Upright upright = new Upright(width, height, orientation);
+        final ImageReadParam param = reader.getDefaultReadParam();
+        if (way == Format.Way.BY_STRIPS) {
+            final int rows = Math.max(1, STRIP_PIXELS / width);
+            for (int y = 0; y < height; y += rows) {
+                param.setSourceRegion(new Rectangle(0, y, width, Math.min(rows, height - y)));
+                put(reader.read(0, param), y, upright);
+            }
+        } else if (way == Format.Way.WHOLE) {
+            put(reader.read(0, param), 0, upright);
+        } else {
+            final ImageTypeSpecifier type = reader.getImageTypes(0).next();
+            final SampleModel samples = type.getSampleModel(width, height);
+            param.setDestination(upright.asImage(type.getColorModel(), samples));
+            reader.read(0, param);
+        }
+        return upright.bitmap();
+    }
+
+    private static void put(BufferedImage image, int y, Upright upright) {
+        upright.put(0, y, image.getColorModel(), image.getRaster());
+    }
+
+    /** Writes the picture as one of the given format, PNG or JPEG, which drops alpha. */
+    static void write(Bitmap bitmap, Notes notes, Format format, int quality, OutputStream out)
+            throws IOException {
+        final ImageWriter writer = ImageIO.getImageWritersByFormatName(format.name()).next();
+        final boolean jpeg = format == Format.JPEG;
+        final OutputStream headed = new HeadedStream(out, jpeg, notes);
+        try (ImageOutputStream imageOut = new MemoryCacheImageOutputStream(headed)) {
             final ImageWriteParam param = writer.getDefaultWriteParam();
-            if (format.equals("jpeg")) {
+            if (jpeg) {
                 param.setCompressionMode(ImageWriteParam.MODE_EXPLICIT);
-                param.setCompressionQuality(JPEG_QUALITY);
+                param.setCompressionQuality(quality / 100f);
             }
             writer.setOutput(imageOut);
-            writer.write(null, new IIOImage(image, null, null), param);
+            writer.write(null, new IIOImage(BitmapImage.of(bitmap, !jpeg), null, null), param);
         } finally {
             writer.dispose();
+        }
+    }
+
+    /** Lays the notes behind the header that every encoder begins with. */
+    private static final class HeadedStream extends FilterOutputStream {
+        private final boolean jpeg;
+        private final Notes notes;
+        private final byte[] header;
+        private int filled;
+
+        HeadedStream(OutputStream out, boolean jpeg, Notes notes) {
+            super(out);
+            this.jpeg = jpeg;
+            this.notes = notes;
+            header = new byte[jpeg ? JPEG_HEADER_BYTES : PNG_HEADER_BYTES];
+        }
+
+        @Override
+        public void write(int value) throws IOException {
+            write(new byte[] {(byte) value}, 0, 1);
+        }
+
+        @Override
+        public void write(byte[] bytes, int offset, int length) throws IOException {
+            final int missing = Math.min(header.length - filled, length);
+            System.arraycopy(bytes, offset, header, filled, missing);
+            filled += missing;
+            if (missing > 0 && filled == header.length) {
+                out.write(jpeg ? notes.asJpeg(header) : header);
+                out.write(jpeg ? new byte[0] : notes.asPng());
+            }
+            out.write(bytes, offset + missing, length - missing);
         }
     }
 }

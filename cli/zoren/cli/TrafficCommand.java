@@ -36,7 +36,7 @@ import zoren.net.ZorenTrafficStats;
             "  zoren traffic wlan0 10001 --counter rx-bytes"
         })
 final class TrafficCommand implements Callable<Integer> {
-    private static final String PATH = "/proc/net/xt_qtaguid/stats";
+    private static final String PATH = "proc/net/xt_qtaguid/stats";
     private static final long FAILED = -1;
 
     private enum Counter {
@@ -135,15 +135,11 @@ final class TrafficCommand implements Callable<Integer> {
     private static final class UidConverter implements ITypeConverter<Integer> {
         @Override
         public Integer convert(String text) {
-            try {
-                final long uid = Long.parseLong(text);
-                if (uid >= Integer.MIN_VALUE && uid <= 0xFFFFFFFFL) {
-                    return (int) uid;
-                }
-            } catch (NumberFormatException e) {
-                // said below
+            final BigInteger uid = Numbers.integer(text);
+            if (uid.bitLength() > 32 || uid.signum() < 0 && uid.bitLength() > 31) {
+                throw new TypeConversionException("'" + text + "' is not a 32-bit number");
             }
-            throw new TypeConversionException("'" + text + "' is not a 32-bit number");
+            return uid.intValue();
         }
     }
 }

@@ -11,9 +11,12 @@ import java.nio.file.Path;
 import java.nio.file.StandardCopyOption;
 import java.nio.file.StandardOpenOption;
 import java.nio.file.attribute.PosixFileAttributeView;
+import java.nio.file.attribute.PosixFileAttributes;
 import java.nio.file.attribute.PosixFilePermission;
 import java.nio.file.attribute.PosixFilePermissions;
 import java.security.SecureRandom;
+import java.util.Collections;
+import java.util.HashSet;
 import java.util.Set;
 
 /** Writes files so that they appear whole or not at all. */
@@ -29,6 +32,12 @@ final class WholeFile {
     static final Set<PosixFilePermission> OWNER_ONLY = PosixFilePermissions.fromString("rw-------");
 
     private static final SecureRandom RANDOM = new SecureRandom();
+
+    private static final Set<Path> OWN = Collections.synchronizedSet(new HashSet<>());
+
+    static {
+        Runtime.getRuntime().addShutdownHook(new Thread(WholeFile::deleteAll));
+    }
 
     private WholeFile() {}
 
@@ -50,10 +59,12 @@ final class WholeFile {
      * Writes {@code target}, replacing what it was, by way of a temporary file in its folder. If
      * the writer fails, {@code target} is as before and the temporary file is gone. Where {@code
      * target} is a symbolic link of the user's own or of root's, the file it leads to is written;
-     * any other link is refused, and one to nothing. A file that is replaced passes its permissions
-     * on; a new one gets {@code permissions}.
+     * any other link is refused, and one to nothing.
+     *
+     * <p>A file that is replaced passes its permissions, owner and group on; a new one gets {@code
+     * permissions}. Returns a line if the owner or group could not be kept, or null.
      */
-    static void write(Path target, Set<PosixFilePermission> permissions, Writer writer)
+    static String write(Path target, Set<PosixFilePermission> permissions, Writer writer)
             throws Failure {
         Path temporary = null;
         try {
@@ -70,18 +81,16 @@ final class WholeFile {
             final Path file = exists ? target.toRealPath() : target.toAbsolutePath();
             final Path folder = file.getParent();
             if (folder == null || !Files.isDirectory(folder)) {
-                throw new Failure(target, "cannot be written: there is no folder " + folder);
+                throw new Failure(
+                        target, "cannot be written: there is no folder " + Names.shown(folder));
             }
             // Short, because the target's own name may be as long as a name can be.
-            temporary = folder.resolve(String.format(".%016x.tmp", RANDOM.nextLong()));
-            temporary.toFile().deleteOnExit(); // an interrupted run leaves nothing either
-            try (OutputStream out = create(temporary, exists ? OWNER_ONLY : permissions)) {
+            final Path name = folder.resolve(String.format(".%016x.tmp", RANDOM.nextLong()));
+            String remark = null;
+            try (OutputStream out = createOwn(name, exists ? OWNER_ONLY : permissions)) {
+                temporary = name;
                 if (exists) {
-                    Files.getFileAttributeView(
-                                    temporary,
-                                    PosixFileAttributeView.class,
-                                    LinkOption.NOFOLLOW_LINKS)
-                            .setPermissions(Files.getPosixFilePermissions(file));
+                    remark = takeOver(target, file, temporary);
                 }
                 writer.writeTo(out);
             }
@@ -90,20 +99,73 @@ final class WholeFile {
                     file,
                     StandardCopyOption.ATOMIC_MOVE,
                     StandardCopyOption.REPLACE_EXISTING);
+            OWN.remove(temporary);
             temporary = null;
+            return remark;
         } catch (IOException e) {
             throw new Failure("cannot write " + new Failure(target, e).getMessage());
         } finally {
             if (temporary != null) {
-                temporary.toFile().delete();
+                delete(temporary);
+                OWN.remove(temporary);
             }
+        }
+    }
+
+    /** Gives a file the owner, group and permissions of another one, as far as may be. */
+    private static String takeOver(Path target, Path from, Path to) throws IOException {
+        final PosixFileAttributes wanted = Files.readAttributes(from, PosixFileAttributes.class);
+        final PosixFileAttributeView view =
+                Files.getFileAttributeView(
+                        to, PosixFileAttributeView.class, LinkOption.NOFOLLOW_LINKS);
+        final PosixFileAttributes given = view.readAttributes();
+        String remark = null;
+        try {
+            if (!given.group().equals(wanted.group())) {
+                view.setGroup(wanted.group());
+            }
+            if (!given.owner().equals(wanted.owner())) {
+                view.setOwner(wanted.owner());
+            }
+        } catch (IOException e) {
+            remark =
+                    Names.shown(target) + ": is now a file of " + given.owner().getName()
+                            + ", because only root can leave it to " + wanted.owner().getName()
+                            + " and group " + wanted.group().getName();
+        }
+        view.setPermissions(wanted.permissions());
+        return remark;
+    }
+
+    /** Creates a file that an interruption at any moment takes away again. */
+    private static OutputStream createOwn(Path file, Set<PosixFilePermission> permissions)
+            throws IOException {
+        synchronized (OWN) { // the hook waits until it is known whether the file is ours
+            final OutputStream out = create(file, permissions);
+            OWN.add(file);
+            return out;
+        }
+    }
+
+    private static void deleteAll() {
+        synchronized (OWN) {
+            OWN.forEach(WholeFile::delete);
+        }
+    }
+
+    private static void delete(Path file) {
+        try {
+            Files.deleteIfExists(file);
+        } catch (IOException e) {
+            // it stays, as anything in a folder that became unwritable
         }
     }
 
     /** Tells whether a link was made by who runs this or by root; any other one may lead astray. */
     private static boolean isTrusted(Path link) throws IOException {
         final Object owner = Files.getAttribute(link, "unix:uid", LinkOption.NOFOLLOW_LINKS);
-        return owner.equals(0) || owner.equals(Files.getAttribute(Path.of("/proc/self"), "unix:uid"));
+        return owner.equals(0)
+                || owner.equals(Files.getAttribute(Path.of("/proc/self"), "unix:uid"));
     }
 
     /**

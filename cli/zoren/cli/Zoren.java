@@ -7,13 +7,13 @@ import java.io.OutputStreamWriter;
 import java.io.PrintWriter;
 import java.nio.charset.StandardCharsets;
 import java.nio.file.Path;
+import java.util.List;
 import picocli.AutoComplete;
 import picocli.CommandLine;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.ParameterException;
 import picocli.CommandLine.ParseResult;
 import picocli.CommandLine.ScopeType;
-import picocli.CommandLine.TypeConversionException;
 import picocli.CommandLine.UnmatchedArgumentException;
 
 /** The command line over the framework classes: it parses, calls them and prints. */
@@ -38,7 +38,7 @@ import picocli.CommandLine.UnmatchedArgumentException;
             "Examples:",
             "  zoren blur photo.jpg soft.png --radius 7.3 --color 40FF8800",
             "  zoren gray *.jpg",
-            "  zoren COMMAND --help",
+            "  zoren help COMMAND",
             "",
             "Completion in bash and zsh: source <(zoren generate-completion)"
         },
@@ -49,6 +49,7 @@ import picocli.CommandLine.UnmatchedArgumentException;
             ConfigCommand.class,
             TrafficCommand.class,
             SealCommand.class,
+            CommandLine.HelpCommand.class,
             AutoComplete.GenerateCompletion.class
         })
 public final class Zoren implements Runnable {
@@ -62,7 +63,7 @@ public final class Zoren implements Runnable {
         final PrintWriter err = utf8Writer(FileDescriptor.err);
         int exitCode;
         try {
-            exitCode = run(out, err, args);
+            exitCode = run(out, err, Names.words(args));
         } catch (LinkageError e) { // from a class's initialiser, it has a cause and no message
             final Object reason = e.getMessage() == null ? e.getCause() : e.getMessage();
             report(err, "a library is missing or broken: " + reason);
@@ -89,7 +90,8 @@ public final class Zoren implements Runnable {
         // A negative uid is a number, not an option.
         commandLine.getSubcommands().get("traffic").setUnmatchedOptionsArePositionalParams(true);
         return commandLine
-                .registerConverter(Path.class, Zoren::toPath)
+                .registerConverter(Path.class, Names::path)
+                .registerConverter(float.class, Numbers::decimal)
                 .setOut(out)
                 .setErr(err)
                 .setExpandAtFiles(false) // a picture's name may begin with @
@@ -98,17 +100,9 @@ public final class Zoren implements Runnable {
                 .execute(args);
     }
 
-    /** Prints a failure as one line. What a name holds cannot steer the terminal. */
+    /** Prints a message as one line. What a name holds cannot steer the terminal. */
     static void report(PrintWriter err, String message) {
-        err.println("zoren: " + message.replaceAll("\\R|\\p{Cc}", " "));
-    }
-
-    /** An empty word, from a script's unset variable say, is not meant for the current folder. */
-    private static Path toPath(String text) {
-        if (text.isEmpty()) {
-            throw new TypeConversionException("a path cannot be empty");
-        }
-        return Path.of(text);
+        err.println("zoren: " + Names.shown(message));
     }
 
     @Override
@@ -116,11 +110,25 @@ public final class Zoren implements Runnable {
         throw new ParameterException(spec.commandLine(), "a command is needed");
     }
 
+    /** Prints what is wrong in one line, which thirty of help would scroll out of sight. */
     private static int reportUsage(ParameterException failure, String[] args) {
         final CommandLine command = failure.getCommandLine();
-        report(command.getErr(), failure.getMessage());
-        UnmatchedArgumentException.printSuggestions(failure, command.getErr());
-        command.usage(command.getErr());
+        ParameterException said = failure;
+        List<String> nearest = List.of();
+        final List<String> unknown = command.getUnmatchedArguments();
+        if (!unknown.isEmpty()) { // a misspelt option, more often than a missing one
+            final UnmatchedArgumentException first =
+                    new UnmatchedArgumentException(command, unknown.subList(0, 1));
+            said = first;
+            nearest = first.getSuggestions();
+        }
+        report(
+                command.getErr(),
+                said.getMessage().replaceFirst("\\.$", "")
+                        + (nearest.isEmpty() ? "" : "; the nearest is " + nearest.get(0))
+                        + "; see "
+                        + command.getCommandSpec().qualifiedName()
+                        + " --help");
         return CommandLine.ExitCode.USAGE;
     }
 
