@@ -4,14 +4,18 @@ import static java.awt.image.BufferedImage.*;
 import static org.junit.jupiter.api.Assertions.*;
 
 import android.graphics.Bitmap;
+import com.drew.imaging.ImageMetadataReader;
+import com.drew.metadata.Directory;
 import java.awt.Transparency;
 import java.awt.color.ColorSpace;
+import java.awt.color.ICC_Profile;
 import java.awt.image.BufferedImage;
 import java.awt.image.ComponentColorModel;
 import java.awt.image.DataBuffer;
 import java.awt.image.IndexColorModel;
 import java.awt.image.Raster;
 import java.awt.image.WritableRaster;
+import java.io.ByteArrayOutputStream;
 import java.io.IOException;
 import java.nio.ByteBuffer;
 import java.nio.charset.StandardCharsets;
@@ -20,7 +24,11 @@ import java.nio.file.Path;
 import java.util.Arrays;
 import java.util.HexFormat;
 import java.util.zip.CRC32;
+import java.util.zip.DeflaterOutputStream;
+import javax.imageio.IIOImage;
 import javax.imageio.ImageIO;
+import javax.imageio.ImageWriter;
+import javax.imageio.stream.ImageOutputStream;
 import org.junit.jupiter.api.Test;
 import org.junit.jupiter.params.ParameterizedTest;
 import org.junit.jupiter.params.provider.CsvSource;
@@ -169,9 +177,82 @@ class PicturesTest extends CliTest {
         }
     }
 
+    /** By content, whatever the name. */
+    @Test
+    void readsWhatThePlatformAndItsPlugInsRead() throws IOException {
+        final String lossless =
+                "524946461C000000574542505650384C0F0000002F024000000710FD8FFE0722A2FF0100";
+        final BufferedImage image = filled(3, 2, TYPE_INT_RGB, 0xFF0000);
+        for (final String kind : new String[] {"gif", "bmp", "tiff"}) {
+            assertTrue(ImageIO.write(image, kind, file(kind).toFile()));
+            assertEquals("FFFF0000", lastPixel(kind), kind);
+        }
+        Files.write(file("webp"), HexFormat.of().parseHex(lossless));
+        assertEquals("FFFF0000", lastPixel("webp"));
+        final WritableRaster cmyk =
+                Raster.createInterleavedRaster(DataBuffer.TYPE_BYTE, 3, 2, 4, null);
+        try (ImageOutputStream to = ImageIO.createImageOutputStream(file("cmyk").toFile())) {
+            final ImageWriter writer = ImageIO.getImageWritersByFormatName("jpeg").next();
+            writer.setOutput(to);
+            writer.write(new IIOImage(cmyk, null, null));
+        }
+        insert("cmyk", 2, HexFormat.of().parseHex("FFEE000E41646F626500640000000000"));
+        assertEquals("FF000000", lastPixel("cmyk")); // by its marker, 0 is full ink
+    }
+
+    /** Each note in a file of each kind, out of one of each kind. */
+    @Test
+    void keepsWhatThePictureIsMeantToLookLike() throws Exception {
+        final byte[] profile = ICC_Profile.getInstance(ColorSpace.CS_LINEAR_RGB).getData();
+        final ByteArrayOutputStream zipped = new ByteArrayOutputStream();
+        zipped.writeBytes(new byte[] {'x', 0, 0});
+        try (DeflaterOutputStream zip = new DeflaterOutputStream(zipped)) {
+            zip.write(profile);
+        }
+        final String exif = // Make, orientation 6
+                "4D4D002A000000080002010F00020000000441636D00011200030000000100060000" + "00000000";
+        save(filled(3, 2, TYPE_INT_RGB, 0x102030), "a.png");
+        insert("a.png", AFTER_HEADER, chunk("gAMA", new byte[] {0, 0, (byte) 0xAB, (byte) 0xCD}));
+        insert("a.png", AFTER_HEADER, chunk("iCCP", zipped.toByteArray()));
+        insert("a.png", AFTER_HEADER, chunk("pHYs", HexFormat.of().parseHex("00002E230000171201")));
+        insert("a.png", AFTER_HEADER, chunk("eXIf", HexFormat.of().parseHex(exif)));
+        for (final String step : "a.png b.png,a.png c.jpg,c.jpg d.png,c.jpg e.jpg".split(",")) {
+            final String[] names = step.split(" ");
+            assertEquals(0, run("blur -r 0 ./" + names[0] + " ./" + names[1]), err);
+            final String notes = notes(names[1]);
+            assertTrue(notes.contains("[ICC Profile] Profile Size - " + profile.length), notes);
+            final String upright = exif.replace("00060000", "00010000");
+            assertTrue(hex(names[1]).contains(upright), "EXIF " + step);
+            final boolean png = names[1].endsWith("png");
+            final String across = png ? "Pixels Per Unit X - 59" : "X Resolution - 150 dots";
+            final String down = png ? "Pixels Per Unit Y - 118" : "Y Resolution - 300 dots";
+            assertTrue(notes.contains(across) && notes.contains(down), notes);
+            assertEquals(names[1].equals("b.png"), notes.contains("Image Gamma - 0.44"), notes);
+            assertEquals(2, ImageIO.read(file(names[1]).toFile()).getWidth());
+            assertEquals(0, run("blur -r 0 --strip ./" + names[0] + " ./" + names[1]), err);
+            assertFalse(notes(names[1]).matches("(?s).*(ICC Profile|Gamma|PNG-pHYs|150 dots).*"));
+            assertFalse(hex(names[1]).contains("41636D00"));
+            assertEquals(0, run("blur -r 0 ./" + names[0] + " ./" + names[1]), err);
+        }
+    }
+
+    private String hex(String name) throws IOException {
+        return HexFormat.of().withUpperCase().formatHex(Files.readAllBytes(file(name)));
+    }
+
+    private String notes(String name) throws Exception {
+        final StringBuilder notes = new StringBuilder();
+        for (final Directory directory :
+                ImageMetadataReader.readMetadata(file(name).toFile()).getDirectories()) {
+            directory.getTags().forEach(tag -> notes.append(tag).append("\n"));
+        }
+        return notes.toString();
+    }
+
     private String lastPixel(String name) {
         try {
-            final Bitmap bitmap = Pictures.read(file(name));
+            final Bitmap bitmap =
+                    Pictures.read(Source.of(file(name)), new PixelBudget(6)).bitmap;
             assertEquals(6, bitmap.getWidth() * bitmap.getHeight());
             return String.format("%08X", bitmap.getPixel(2, 1));
         } catch (Failure e) {

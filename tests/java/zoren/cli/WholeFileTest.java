@@ -57,8 +57,13 @@ class WholeFileTest extends CliTest {
         Files.setPosixFilePermissions(file("old"), PosixFilePermissions.fromString(permissions));
         assertEquals(0, run("seal ./in.xml ./old"), err);
         assertEquals(permissions, permissions("old"));
+        assertEquals(permissions.endsWith("------") ? "" : at("zoren: ./old: keeps the permissions"
+                + " it had, " + permissions + "\n"), err);
         assertEquals(16, Files.size(file("old")));
         assertEquals(9, Files.size(file("second")));
+        assertEquals(0, run("seal --mode 640 ./in.xml ./old") + run("seal -m640 ./in.xml ./new"));
+        assertEquals("rw-r-----rw-r-----", permissions("old") + permissions("new"));
+        assertEquals(2, run("seal --mode 888 ./in.xml ./old"));
     }
 
     @ParameterizedTest
