@@ -45,7 +45,6 @@ expect 1 "zoren: no Java: java $none" JAVA_HOME= PATH="$PWD/bin" --version
 expect 1 "zoren: no Java: /no ne/bin/java $none" JAVA_HOME="/no ne" --version
 expect 1 "zoren: no Java: none $none" ZOREN_JAVA="none x" --version
 expect 0 1 "${rx[@]}" --device-root "my phone"
-expect 0 1 ZOREN_DEVICE_ROOT="my phone" "${rx[@]}"
 expect 0 1 ZOREN_DEVICE_ROOT=elsewhere "${rx[@]}" --device-root="my phone"
 expect 0 5 traffic --counter rx-bytes --device-root="my phone" -- --device-root 7
 expect 1 "zoren: elsewhere: the device root is not a folder" "${rx[@]}" --device-root=elsewhere

@@ -3,13 +3,9 @@ package zoren.cli;
 import static org.junit.jupiter.api.Assertions.*;
 
 import java.awt.image.BufferedImage;
-import java.io.IOException;
-import java.io.PrintWriter;
-import java.io.StringWriter;
-import java.nio.file.Files;
-import java.nio.file.Path;
-import java.util.Arrays;
-import java.util.Set;
+import java.io.*;
+import java.nio.file.*;
+import java.util.*;
 import javax.imageio.ImageIO;
 import org.junit.jupiter.api.io.TempDir;
 
