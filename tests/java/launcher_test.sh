@@ -79,11 +79,13 @@ expect 1 "zoren: cannot run from */a:b: *:*;*" --version
 launcher="./a link" java="java -Xmx24m"
 {
     printf 'BM%b' '\x36\x51\x25\x02\0\0\0\0\x36\0\0\0\x28\0\0\0\xa0\x0f\0\0\xb8\x0b\0\0\x01\0\x18\0'
-    head -c 36000024 /dev/zero
+    head -c 18000000 /dev/zero
+    head -c 18000000 /dev/zero | tr '\0' '\377'
 } >large
 for step in "large large.png" "large.png large.jpg" "large.jpg copy.jpg"; do
     expect 0 "" ZOREN_JAVA="$java" blur -r 0 $step
 done
+expect 0 $'12[78]\tcopy.jpg' gray copy.jpg
 expect 1 "zoren: large.png: 4000 x 3000 pixels are more*" gray --max-pixels=11999999 large.png
 if [[ -f ${zoren%/*/*}/lib/zoren.jsa ]]; then # it is not there with sanitizers
     expect 0 "zoren*" ZOREN_JAVA="java -Xlog:class+load:file=loaded" --version

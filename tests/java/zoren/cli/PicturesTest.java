@@ -75,6 +75,17 @@ class PicturesTest extends CliTest {
             insert("a.png", AFTER_HEADER, chunk("tRNS", new byte[] {0, (byte) key, 0, 32, 0, 48}));
             assertEquals(key == 0x10 ? "00102030" : "FF102030", lastPixel("a.png"));
         }
+        final BufferedImage steps = filled(16, 9, TYPE_INT_RGB, 0x102030);
+        steps.setRGB(5, 6, 0xFFFF00);
+        try (ImageOutputStream to = ImageIO.createImageOutputStream(file("i.png").toFile())) {
+            final ImageWriter writer = ImageIO.getImageWritersByFormatName("png").next();
+            final ImageWriteParam param = writer.getDefaultWriteParam();
+            param.setProgressiveMode(ImageWriteParam.MODE_DEFAULT); // interlaced
+            writer.setOutput(to);
+            writer.write(null, new IIOImage(steps, null, null), param);
+        }
+        assertEquals(0, run("blur ./i.png ./o.png -r 0"), err);
+        assertArrayEquals(load("i.png"), load("o.png"));
         final BufferedImage gray = new BufferedImage(3, 2, TYPE_BYTE_GRAY);
         gray.getRaster().setPixels(0, 0, 3, 2, new int[] {188, 188, 188, 188, 188, 188});
         save(gray, "a.jpg");

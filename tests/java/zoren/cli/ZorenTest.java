@@ -86,6 +86,8 @@ class ZorenTest extends CliTest {
         assertTrue(err.contains("] 4/4\r\033[Kzoren: 2 blurred, 2 failed, 2 skipped (2 not"), err);
         assertTrue(err.contains(at("] 0/4\r\033[K" + messages[0] + "\r[#######.")), err);
         assertEquals(Set.of("b.PNG", "sub"), names("in/out"));
+        run("blur ./in ./in/out -r2 -R"); // its own results are no inputs
+        assertTrue(err.contains("zoren: 2 blurred, 2 failed"), err);
         assertEquals(Set.of("f.png"), names("in/out/sub"));
         fails("blur ./empty ./made --radius 1", "./empty: holds no picture");
         assertFalse(Files.exists(file("made")));
