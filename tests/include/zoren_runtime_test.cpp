@@ -26,7 +26,8 @@ TEST(BlurBitmap, DoesWhatTheNativeDoes) {
 TEST(BlurBitmap, LeavesThePixelsWhereTheKernelHasNoMemory) {
     FakePlatform platform;
     FakeLibc libc;
-    libc.failingAllocation = 1;
+    platform.failing = "_ZnamRKSt9nothrow_t";
+    platform.failingCall = 1;
     std::mt19937 random(26);
     Image image = Image::random(7, 5, random);
     const std::vector<uint32_t> before = image.words();
