@@ -51,6 +51,16 @@ set(CPACK_DEBIAN_COMMAND_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_COMMAND_PACKAGE_DEPENDS "${runtime} (= ${PROJECT_VERSION}-1), \
 ${jar_packages}default-jre-headless (>= 2:1.17) | java17-runtime-headless")
 
+# Scripts that make the archive of the command's classes, by a run over a picture, and remove it.
+foreach(script postinst prerm)
+    configure_file(cmake/debian/${script}.in ${CMAKE_BINARY_DIR}/${script} @ONLY
+        FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE
+                         WORLD_READ WORLD_EXECUTE)
+    list(APPEND CPACK_DEBIAN_COMMAND_PACKAGE_CONTROL_EXTRA ${CMAKE_BINARY_DIR}/${script})
+endforeach()
+install(FILES samples/photo.jpg DESTINATION ${ZOREN_INSTALL_LIBRARY} RENAME archived.jpg
+    COMPONENT command)
+
 # What every Debian package says of itself.
 string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)  # that of cmake/Dates.cmake
 file(CONFIGURE OUTPUT changelog.Debian CONTENT
