@@ -200,8 +200,8 @@ PassCosts passCosts() {
 #if HWY_ARCH_ARM
     return {40, 24, 300, 18, 114, 37, 170};
 #else
-    const size_t pair = kTileLines == 16 ? 22 : 32;
-    return {pair, pair * 6 / 10, 600, 18, 90, 15, 1000};
+    const bool wide = kTileLines == 16;
+    return {wide ? 22u : 32u, wide ? 13u : 31u, 600, 18, 90, 15, 1000};
 #endif
 }
 
