@@ -45,8 +45,9 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${runtime} (= ${PROJECT_VERSION}-1)")
 
 set(CPACK_DEBIAN_COMMAND_DESCRIPTION "command line that blurs, tints and measures pictures
-Blurs PNG and JPEG pictures and lays a colour over them, tells their gray
-level and colour cast, opens and seals configurations, reads traffic totals.")
+Blurs PNG, JPEG, WebP, TIFF, GIF and BMP pictures and lays a colour over them,
+tells their gray level and colour cast, opens and seals configurations, reads
+traffic totals.")
 set(CPACK_DEBIAN_COMMAND_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_COMMAND_PACKAGE_DEPENDS "${runtime} (= ${PROJECT_VERSION}-1), \
 ${jar_packages}default-jre-headless (>= 2:1.17) | java17-runtime-headless")
