@@ -98,7 +98,6 @@ HWY_INLINE void layOutRow(const Strip& strip, size_t y, size_t blocks, size_t re
     const Pixels d;
     const uint32_t* const row = strip.pixels + y * strip.width;
     const uint32_t* const ahead = row + std::min(kAhead, strip.height - 1 - y) * strip.width;
-    for (size_t x = strip.begin; x < strip.end; x += 16) hwy::Prefetch(ahead + x);
 
     const auto put = [&](size_t place, const uint32_t* from) HWY_ATTR {
         putPlanes(hn::LoadU(d, from), hn::LoadU(d, from + kTileLines), line + place,
@@ -113,18 +112,25 @@ HWY_INLINE void layOutRow(const Strip& strip, size_t y, size_t blocks, size_t re
             putPlanes(first, first, line + place, layout.lineSize);
         }
     }
-    if (strip.end < strip.width) std::copy_n(row + strip.end - layout.front, layout.front, kept);
 
     const size_t places = blocks * kBlock + reach + 1, have = strip.width - strip.begin;
     size_t x = 0;
-    for (; x < places && x + kBlock <= have; x += kBlock)
+    for (; x < places && x + kBlock <= have; x += kBlock) {
+        for (size_t p = 0; p < kBlock; p += 16) hwy::Prefetch(ahead + strip.begin + x + p);
         put(layout.front + x, row + strip.begin + x);
+    }
     for (; x < places; x += kBlock) {
         HWY_ALIGN uint32_t edge[kBlock];
         const size_t some = x < have ? have - x : 0;
         std::copy_n(row + strip.width - some, some, edge);
         std::fill(edge + some, edge + kBlock, row[strip.width - 1]);
         put(layout.front + x, edge);
+    }
+    if (strip.end < strip.width) {
+        const uint32_t* const last = row + strip.end - layout.front;
+        for (size_t place = 0; place < layout.front; place += kTileLines) {
+            hn::StoreU(hn::LoadU(d, last + place), d, kept + place);
+        }
     }
 }
 

@@ -16,55 +16,62 @@
 //
 //     even   ahead(u + t) + behind(u - t - 1)        odd   ahead(u + t) + behind(u - t)
 //
-// and one multiply-add weighs four pixels. Eight outputs of a channel at a time keep eight sums in
-// flight, and each pair is loaded once for two of them.
+// and one multiply-add weighs four pixels. Each pair is loaded once for two outputs.
 
 HWY_BEFORE_NAMESPACE();
 namespace android::HWY_NAMESPACE {
 namespace {
 
 constexpr size_t kOutputs = 8;
-constexpr size_t kChunk = 64;                   // outputs between two moves of the entries
+// Twos of outputs whose sums are in flight together; sixteen registers hold no more.
+constexpr size_t kTwos = kTileLines == 16 || HWY_ARCH_ARM ? 4 : 2;
+constexpr size_t kChunk = 64;                   // outputs that entries are made for at a time
+constexpr size_t kMostChunks = 4;               // that the buffer has room for
 constexpr size_t kEntryWords = 2 * kPairWords;  // the pair ahead, then the one behind
 
 HWY_INLINE LaneVector loadPair(const uint32_t* from) {
     return hn::BitCast(Lanes(), hn::Load(Pixels(), from));
 }
 
-// Outputs 2u to 2u + 7 of a channel; `ahead` is that channel's pair of entry u. Gives their
+// Outputs 2u to 2u + 7 of a channel; `entry` is that channel's pair ahead of entry u. Gives their
 // quotients to put(output, quotient).
 template <bool kNear, typename Put>
-HWY_INLINE void blurEight(const uint32_t* HWY_RESTRICT ahead, const PassPlan& plan, Put put) {
-    const uint32_t* HWY_RESTRICT behind = ahead + kPairWords;
+HWY_INLINE void blurEight(const uint32_t* HWY_RESTRICT entry, const PassPlan& plan, Put put) {
     const SplitSum start = startOfSum<kNear>(plan.divisor);
-    SplitSum even[4] = {start, start, start, start}, odd[4] = {start, start, start, start};
+#pragma GCC unroll 2
+    for (size_t o = 0; o < kOutputs; o += 2 * kTwos, entry += kTwos * kEntryWords) {
+        const uint32_t* HWY_RESTRICT ahead = entry;
+        const uint32_t* HWY_RESTRICT behind = entry + kPairWords;
+        SplitSum even[kTwos], odd[kTwos];
 #pragma GCC unroll 12
-    for (size_t i = 0; i < 4; ++i) {
-        even[i].add(loadPair(behind + i * kEntryWords), weightsOf(plan.symmetric.centerEven));
-        odd[i].add(loadPair(ahead + i * kEntryWords), weightsOf(plan.symmetric.centerOdd));
-    }
-    const uint32_t* HWY_RESTRICT weights = plan.symmetric.weights.get();
-#pragma GCC unroll 4
-    for (size_t t = 0; t < plan.symmetric.turns; ++t) {
-        const auto evenWeights = weightsOf(weights[2 * t]),
-                   oddWeights = weightsOf(weights[2 * t + 1]);
-        const uint32_t* const far = ahead + t * kEntryWords;
-        const uint32_t* const near = behind - t * kEntryWords;
-#pragma GCC unroll 12
-        for (size_t i = 0; i < 4; ++i) {
-            const auto pair = loadPair(far + i * kEntryWords);
-            const auto early = loadPair(near + i * kEntryWords - kEntryWords);
-            const auto late = loadPair(near + i * kEntryWords);
-            even[i].add(hn::Add(pair, early), evenWeights);
-            odd[i].add(hn::Add(pair, late), oddWeights);
+        for (size_t i = 0; i < kTwos; ++i) {
+            even[i] = odd[i] = start;
+            even[i].add(loadPair(behind + i * kEntryWords), weightsOf(plan.symmetric.centerEven));
+            odd[i].add(loadPair(ahead + i * kEntryWords), weightsOf(plan.symmetric.centerOdd));
         }
-    }
+        const uint32_t* HWY_RESTRICT weights = plan.symmetric.weights.get();
+#pragma GCC unroll kTwos
+        for (size_t t = 0; t < plan.symmetric.turns; ++t) {
+            const auto evenWeights = weightsOf(weights[2 * t]),
+                       oddWeights = weightsOf(weights[2 * t + 1]);
+            const uint32_t* const far = ahead + t * kEntryWords;
+            const uint32_t* const near = behind - t * kEntryWords;
 #pragma GCC unroll 12
-    for (size_t i = 0; i < 4; ++i) {
-        const auto quotient = [&](const SplitSum& sum)
-                                  HWY_ATTR { return divide<kNear>(sum.whole(), plan.divisor); };
-        put(2 * i, quotient(even[i]));
-        put(2 * i + 1, quotient(odd[i]));
+            for (size_t i = 0; i < kTwos; ++i) {
+                const auto pair = loadPair(far + i * kEntryWords);
+                const auto early = loadPair(near + i * kEntryWords - kEntryWords);
+                const auto late = loadPair(near + i * kEntryWords);
+                even[i].add(hn::Add(pair, early), evenWeights);
+                odd[i].add(hn::Add(pair, late), oddWeights);
+            }
+        }
+#pragma GCC unroll 12
+        for (size_t i = 0; i < kTwos; ++i) {
+            const auto quotient = [&](const SplitSum& sum)
+                                      HWY_ATTR { return divide<kNear>(sum.whole(), plan.divisor); };
+            put(o + 2 * i, quotient(even[i]));
+            put(o + 2 * i + 1, quotient(odd[i]));
+        }
     }
 }
 
@@ -86,9 +93,17 @@ HWY_INLINE void blurChannels(const uint32_t* entry, const PassPlan& plan, uint32
     });
 }
 
+// The outputs, whole chunks of them, after which the entries that are still needed move to the
+// front of the buffer. After each chunk that would be a tenth of the time; short lines, whose blur
+// may hold little memory, bear it.
+HWY_INLINE size_t outputsOfBuffer(size_t length) {
+    return std::min(std::max<size_t>(length / 4 / kChunk, 1), kMostChunks) * kChunk;
+}
+
 // The words that hold the entries of one tile.
 HWY_INLINE size_t entryWords(const PassPlan& plan, size_t length) {
-    const size_t outputs = (std::min(kChunk, length) + kOutputs - 1) / kOutputs * kOutputs;
+    const size_t some = std::min(outputsOfBuffer(length), length);
+    const size_t outputs = (some + kOutputs - 1) / kOutputs * kOutputs;
     return (outputs / 2 + 2 * plan.symmetric.turns) * kEntryWords;
 }
 
@@ -99,6 +114,7 @@ HWY_INLINE void blurTiles(const Tiles& tiles, const PassPlan& plan, uint32_t* en
                           Deliver deliver) {
     const Pixels d;
     const size_t turns = plan.symmetric.turns, words = entryWords(plan, tiles.length);
+    const size_t outputs = outputsOfBuffer(tiles.length);
     const auto pixel = [&](size_t at) {  // 2 * turns more than the pixel's number
         return tiles.lines +
                std::min(std::max(at, 2 * turns) - 2 * turns, tiles.length - 1) * tiles.step;
@@ -106,13 +122,15 @@ HWY_INLINE void blurTiles(const Tiles& tiles, const PassPlan& plan, uint32_t* en
     size_t first = 0, made = 0;  // the entries that are kept
     for (size_t x = 0; x < tiles.length; x += kChunk) {
         const size_t end = std::min(tiles.length, x + kChunk);
-        for (size_t t = 0; x > 0 && t < tiles.count; ++t) {
-            uint32_t* front = entries + t * words;
-            std::memmove(front, front + (x / 2 - first) * kEntryWords,
-                         (made - x / 2) * kEntryWords * sizeof(uint32_t));
+        if (x > 0 && x % outputs == 0) {
+            for (size_t t = 0; t < tiles.count; ++t) {
+                uint32_t* front = entries + t * words;
+                std::memmove(front, front + (x / 2 - first) * kEntryWords,
+                             (made - x / 2) * kEntryWords * sizeof(uint32_t));
+            }
+            first = x / 2;
         }
-        first = x / 2;
-        const size_t last = first + (end - x + kOutputs - 1) / kOutputs * kOutputs / 2 + 2 * turns;
+        const size_t last = x / 2 + (end - x + kOutputs - 1) / kOutputs * kOutputs / 2 + 2 * turns;
         fetch(std::min(tiles.length, 2 * (last - turns) + 1));
         for (; made < last; ++made) {
             const uint32_t* const behind = pixel(2 * made);
@@ -130,7 +148,7 @@ HWY_INLINE void blurTiles(const Tiles& tiles, const PassPlan& plan, uint32_t* en
         }
         for (size_t t = 0; t < tiles.count; ++t) {
             for (size_t o = x; o < end; o += kOutputs) {
-                const size_t entry = (o - x) / 2 + turns;
+                const size_t entry = o / 2 - first + turns;
                 blurChannels<kNear>(entries + t * words + entry * kEntryWords, plan,
                                     tiles.lines + o * tiles.step + t * kTileLines, tiles.step,
                                     end - o);

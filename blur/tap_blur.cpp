@@ -201,7 +201,7 @@ PassCosts passCosts() {
     return {40, 24, 300, 18, 114, 37, 170};
 #else
     const bool wide = kTileLines == 16;
-    return {wide ? 22u : 32u, wide ? 13u : 31u, 600, 18, 90, 15, 1000};
+    return {wide ? 22u : 32u, wide ? 12u : 26u, 600, 18, 90, 15, 1000};
 #endif
 }
 
