@@ -3,8 +3,9 @@
 #
 # What only a process of its own can show: full disks, folders without permission, interruptions.
 set -eu
+source "${BASH_SOURCE[0]%/*}/../checks.sh"
 
-zoren=$1 photo=$2/photo.jpg checks=0
+zoren=$1 photo=$2/photo.jpg
 rm -rf "$3"
 mkdir -p "$3/shut" "$3/device/system/etc"
 cd "$3"
@@ -19,12 +20,8 @@ fails() {
     local status=0 line=$1
     shift
     "$@" 2>err </dev/null || status=$?
-    if [[ $status != 1 || $(cat err) != "zoren: $line" ||
-        $(cat old.* shut/old.png | uniq) != "as it was" ]]; then
-        printf 'failed (%s): %s\n%s\n' "$status" "$*" "$(cat err)" >&2
-        exit 1
-    fi
-    checks=$((checks + 1))
+    equal "$*" "1 zoren: $line, as it was" \
+        "$status $(cat err), $(cat old.* shut/old.png | uniq)"
 }
 
 # limited KIB COMMAND...: a file that grows beyond meets an error, as on a full disk
@@ -62,8 +59,5 @@ for ((i = 0, seen = 0; i < 20 && seen < 2; ++i)); do
     rm -f new.png # it was too late then
     if compgen -G ".*.tmp"; then exit 1; fi
 done
-if ((seen == 0)); then
-    echo "failed: never interrupted" >&2
-    exit 1
-fi
-echo "$((checks + 1)) checks passed, 0 failed"
+equal "how often it was interrupted" "[12]" "$seen"
+echo "$checks checks passed, 0 failed"

@@ -3,18 +3,10 @@
 # below: no git; a cmake that cannot run twice at a time; an apt whose lists are locked at first.
 set -euo pipefail
 root=$(cd "$(dirname "$(readlink -f "$0")")/../.." && pwd)
+source "$root/tests/checks.sh"
 work=$(mktemp -d)
 trap 'chmod -R u+w "$work"; rm -rf "$work"' EXIT
 chmod 755 "$work"
-ok=0 bad=0
-check() {
-    if [ "$2" = "$3" ]; then
-        ok=$((ok + 1))
-    else
-        bad=$((bad + 1))
-        printf '%s:\n  expected %s\n  not %s\n' "$1" "$2" "$3"
-    fi
-}
 
 tree=$work/tree
 mkdir "$tree" "$work/bin" "$work/made"
@@ -58,8 +50,8 @@ for change in '' 'echo >>blur/blur_request.cpp' 'rm fuzz/targets.h'; do
     (cd "$tree" && eval "$change")
     for i in {1..12}; do "$tree/scripts/run" a b >"$work/out$i" 2>&1 & done
     wait
-    check "parallel after '$change'" "12 $((${n-0} + 1))" \
-        "$(grep -cx 'ran a b' "$work"/out* -h | awk '{ n += $1 } END { print n }') $(builds)"
+    equal "parallel after '$change'" "12 $((${n-0} + 1))" \
+        "$(cat "$work"/out* | grep -cx 'ran a b') $(builds)"
     n=$(builds)
 done
 
@@ -68,25 +60,25 @@ chmod -R a-w "$tree"
 as_other=()
 [ "$(id -u)" -ne 0 ] || as_other=(setpriv --reuid=65534 --regid=65534 --clear-groups)
 other() { (cd / && HOME=/ "${as_other[@]}" "$tree/scripts/run" "$@" 2>&1 || true); }
-check 'a built tree that cannot be written' 'ran gray' "$(other gray)"
+equal 'a built tree that cannot be written' 'ran gray' "$(other gray)"
 touch -d '1 minute' "$tree/CMakeLists.txt"
-check 'a stale tree that cannot be written' 'build/release is older than the sources' \
+equal 'a stale tree that cannot be written' 'build/release is older than the sources' \
     "$(other gray | sed 's/,.*//')"
 chmod -R u+w "$tree"
 
 touch "$work/lacking"
 "$tree/scripts/run" >/dev/null 2>&1 || true
-check 'apt waits' 'update update -o DPkg::Lock::Timeout=600 install' \
+equal 'apt waits' 'update update -o DPkg::Lock::Timeout=600 install' \
     "$(cut -d ' ' -f 1-3 "$work/apt.log" | xargs)"
 rm "$work/lacking"
 
 # No git: every source is laid out and checked, but nothing that was built.
 sources() { (cd "$tree" && find "$@" -name '*.cpp' | wc -l); }
 mkdir -p "$tree/build/x" && touch "$tree/build/x/made.cpp"
-check 'format' "$(sources analysis bench blur config device examples fuzz jni net platform tests)" \
+equal 'format' "$(sources analysis bench blur config device examples fuzz jni net platform tests)" \
     "$("$tree/scripts/format" | grep -c '\.cpp$')"
 # Two files are for 64-bit ARM alone.
-check 'check' "0 $(($(sources jni blur analysis config net platform device) - 2))" "$("$tree/scripts/check" >"$work/check.log" 2>&1
-    echo "$? $(grep -o '[^ ]*\.cpp' "$work/made/log" | sort -u | wc -l)")"
-echo "$ok checks passed, $bad failed"
-[ "$bad" -eq 0 ] || { cat "$work/check.log"; exit 1; }
+equal 'check' "$(($(sources jni blur analysis config net platform device) - 2))" \
+    "$("$tree/scripts/check" >"$work/check.log" 2>&1 || cat "$work/check.log"
+        grep -o '[^ ]*\.cpp' "$work/made/log" | sort -u | wc -l)"
+echo "$checks checks passed, 0 failed"
