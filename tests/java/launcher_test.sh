@@ -16,7 +16,7 @@ ln -s "$(command -v readlink)" bin
 ln -s "$zoren" "a link"
 printf '%s 0x0 7 0 %s\n' "2 lo" "1 2 3 4" "3 --device-root" "5 6 7 8" \
     >"my phone/proc/net/xt_qtaguid/stats"
-for name in -p.png @p.png p; do cp "$samples/photo.jpg" ./$name; done
+for name in -p.png @p p; do cp "$samples/photo.jpg" ./$name; done
 
 mkfifo pipe/system/etc/jpsp
 cp "$zoren" a:b/bin
@@ -46,7 +46,7 @@ expect 1 "zoren: elsewhere: the device root is not a folder" "${rx[@]}" --device
 expect 2 "zoren: option '--device-root'*once*" "${rx[@]}" --device-root=bin --device-root "my phone"
 expect 2 "zoren: *--counter*--device-root*" traffic lo 7 --counter --device-root "my phone"
 expect 2 "zoren: *a path cannot be empty*" ZOREN_DEVICE_ROOT=bin "${rx[@]}" --device-root=
-expect 0 $'[0-9]*\t@p.png' LC_ALL=C gray @p.png p
+expect 0 $'[0-9]*\t@p' gray @p p
 expect 0 $'[0-9]*\t-p.png' gray -- -p.png
 expect 1 "zoren: é: no such file" LC_ALL=C gray é
 expect 1 "zoren: *" ZOREN_LOG_FILE=log config --device-root bin
