@@ -10,7 +10,7 @@ import java.nio.IntBuffer;
 import java.nio.file.*;
 import java.util.*;
 import java.util.concurrent.*;
-import java.util.concurrent.atomic.LongAdder;
+import java.util.stream.IntStream;
 import javax.crypto.Cipher;
 import javax.crypto.spec.*;
 import javax.management.ObjectName;
@@ -23,11 +23,15 @@ import zoren.util.*;
  */
 public final class LoadRun {
     private static final int THREADS = 4 * Runtime.getRuntime().availableProcessors();
+    private static final ForkJoinPool POOL = new ForkJoinPool(THREADS);
     private static final Path ROOT = Path.of(System.getenv("ZOREN_DEVICE_ROOT"));
     private static final String XML = "<item name='load'>\u00e9</item>\n".repeat(30);
     private static final int[][] SIZES = {{24, 17}, {2, 2}, {31, 40}, {100, 3}, {5, 130}};
     private static final float[] RADII = {0, 0.7f, 2.5f, 8, 12.3f, 25, 60, 300, 1500};
-    private static final List<Bitmap> BITMAPS = new ArrayList<>(); // all there are
+    private static final Queue<Bitmap> BITMAPS = new ConcurrentLinkedQueue<>(); // all there are
+    private static final Bitmap[] SHARED = bitmaps(); // of all threads: what only reads has them
+    private static final ThreadLocal<Bitmap[]> OWN = ThreadLocal.withInitial(LoadRun::bitmaps);
+    private static final Object[] EXPECTED = new Object[5 * RADII.length];
 
     static {
         System.loadLibrary("zoren_local_references");
@@ -38,75 +42,55 @@ public final class LoadRun {
     /** Makes as many calls as the argument says. Exit code 1 when a check fails. */
     public static void main(String[] args) throws Exception {
         writeDeviceFiles();
-        final int calls = Integer.parseInt(args[0]);
-        final int[] ends = {0, calls / 5, calls}; // of the warm-up and of the rest
-        final Bitmap[] shared = bitmaps();
-        final Object[][] expected = new Object[5][RADII.length];
-        for (int i = 0; i < 5 * RADII.length; i++) {
-            expected[i % 5][i / 5] = call(i % 5, i / 5, shared[i / 5]);
-        }
-        if (!expected[3][0].equals(XML) || !expected[4][1].equals(1001L)) {
+        Arrays.setAll(EXPECTED, i -> result(i, SHARED));
+        if (!EXPECTED[3].equals(XML) || !EXPECTED[9].equals(1001L)) {
             throw new IllegalStateException("the files of the device are not read");
         }
-        final Bitmap[][] own = new Bitmap[THREADS][];
-        Arrays.setAll(own, t -> bitmaps());
-        final LongAdder wrong = new LongAdder();
-        final LongAdder littered = new LongAdder();
-        final ExecutorService pool = Executors.newFixedThreadPool(THREADS);
+        final int calls = Integer.parseInt(args[0]);
+        final int warmUp = calls / 5;
         final long start = System.nanoTime();
-        final long[][] held = new long[2][];
-        for (int phase = 0; phase < 2; phase++) {
-            final int begin = ends[phase];
-            final long size = ends[phase + 1] - begin;
-            final List<Callable<Void>> parts = new ArrayList<>();
-            for (int t = 0; t < THREADS; t++) {
-                final int thread = t;
-                parts.add(() -> {
-                    long i = begin + size * thread / THREADS;
-                    for (; i < begin + size * (thread + 1) / THREADS; i++) {
-                        final int kind = (int) (i % 5);
-                        final int row = (int) (i / 5 % RADII.length);
-                        // What only reads has the bitmap of all threads.
-                        final Bitmap bitmap = (kind == 0 ? own[thread] : shared)[row];
-                        final long references = localReferences();
-                        final Object result = call(kind, row, bitmap);
-                        if (localReferences() - references != (kind == 3 ? 1 : 0)) {
-                            littered.increment();
-                        }
-                        if (!expected[kind][row].equals(result)) {
-                            wrong.increment();
-                        }
-                    }
-                    return null;
-                });
-            }
-            for (final Future<Void> part : pool.invokeAll(parts)) {
-                part.get();
-            }
-            held[phase] = held();
-        }
+        callAll(0, warmUp);
+        final long[] before = held();
+        callAll(warmUp, calls);
+        final long[] after = held();
         System.out.printf("%d calls by %d threads in %.1f s, growth from call %d on%n",
-                calls, THREADS, (System.nanoTime() - start) / 1e9, ends[1]);
-        boolean passed = check("results that differ from one thread's", 0, wrong.sum(), 0);
-        passed &= check("calls that leave a local reference", 0, littered.sum(), 0);
+                calls, THREADS, (System.nanoTime() - start) / 1e9, warmUp);
         // The machine itself takes about 250 KiB, and holds a class or two that it compiles.
-        passed &= check("KiB of resident memory", held[0][0], held[1][0], 1024);
-        passed &= check("open files", held[0][1], held[1][1], 0);
-        passed &= check("locks", held[0][2], held[1][2], 0);
-        passed &= check("global references", held[0][3], held[1][3], 2);
+        boolean passed = check("KiB of resident memory", before[0], after[0], 1024);
+        passed &= check("open files", before[1], after[1], 0);
+        passed &= check("locks", before[2], after[2], 0);
+        passed &= check("global references", before[3], after[3], 2);
         System.exit(passed ? 0 : 1);
     }
 
     /** How many local references native code has made and not deleted on this thread. */
     private static native long localReferences();
 
-    private static Object call(int kind, int i, Bitmap bitmap) {
-        return switch (kind) {
-            case 0 -> blurred(bitmap, i);
-            case 1 -> BitmapGrayUtil.getBitmapGray(bitmap);
-            case 2 -> BitmapGrayUtil.getBitmapColorCast(bitmap, 10 * i, 90);
+    /** Makes the calls of a range on all threads of the pool; ends with the first that fails. */
+    private static void callAll(int begin, int end) throws Exception {
+        POOL.submit(() -> IntStream.range(begin, end).parallel().forEach(LoadRun::call)).get();
+    }
+
+    private static void call(int i) {
+        final int which = i % EXPECTED.length;
+        final Bitmap[] own = OWN.get();
+        final long references = localReferences();
+        final Object result = result(which, own);
+        final long left = localReferences() - references - (which % 5 == 3 ? 1 : 0);
+        if (left != 0 || !EXPECTED[which].equals(result)) {
+            throw new IllegalStateException("call " + i + " leaves " + left + " local references"
+                    + " and gives " + result + ", one thread's " + EXPECTED[which]);
+        }
+    }
+
+    private static Object result(int i, Bitmap[] own) {
+        final int row = i / 5;
+        return switch (i % 5) {
+            case 0 -> blurred(own[row], row);
+            case 1 -> BitmapGrayUtil.getBitmapGray(SHARED[row]);
+            case 2 -> BitmapGrayUtil.getBitmapColorCast(SHARED[row], 10 * row, 90);
             case 3 -> ZorenConfig.getConfigXML();
-            default -> ZorenTrafficStats.getRxBytes("wlan0", 1000 + i);
+            default -> ZorenTrafficStats.getRxBytes("wlan0", 1000 + row);
         };
     }
 
