@@ -4,10 +4,8 @@ import static org.junit.jupiter.api.Assertions.*;
 
 import android.graphics.Bitmap;
 import android.util.ZorenConfig;
-import java.util.ArrayList;
-import java.util.Arrays;
-import java.util.List;
 import java.util.concurrent.*;
+import java.util.stream.Stream;
 import org.junit.jupiter.params.ParameterizedTest;
 import org.junit.jupiter.params.provider.CsvSource;
 import zoren.net.ZorenTrafficStats;
@@ -25,12 +23,10 @@ class FirstUseTest {
         "config blur traffic gray, null ff0000fe -1 29",
     })
     void mayBeAnyOfThem(String names, String results) throws Exception {
-        final List<String> command = new ArrayList<>(List.of(
+        final ProcessBuilder builder = new ProcessBuilder(
                 ProcessHandle.current().info().command().orElseThrow(), "-Xcheck:jni",
                 "-Djava.library.path=" + System.getProperty("java.library.path"), "-cp",
-                System.getProperty("java.class.path"), FirstUseTest.class.getName()));
-        command.addAll(Arrays.asList(names.split(" ")));
-        final ProcessBuilder builder = new ProcessBuilder(command);
+                System.getProperty("java.class.path"), FirstUseTest.class.getName(), names);
         builder.environment().put("ZOREN_DEVICE_ROOT", "/nowhere");
         final Process process = builder.redirectError(ProcessBuilder.Redirect.INHERIT).start();
         if (!process.waitFor(20, TimeUnit.SECONDS)) {
@@ -42,18 +38,16 @@ class FirstUseTest {
     }
 
     /** The fresh virtual machine: a thread a native, all let go at once. */
-    public static void main(String[] names) throws Exception {
+    public static void main(String[] arguments) throws Exception {
+        final String[] names = arguments[0].split(" ");
         final CyclicBarrier start = new CyclicBarrier(names.length);
         final ExecutorService pool = Executors.newFixedThreadPool(names.length);
-        final List<Callable<Object>> calls = new ArrayList<>();
-        for (final String name : names) {
-            calls.add(() -> call(name, start));
-        }
-        final List<Future<Object>> results = pool.invokeAll(calls);
-        pool.shutdown();
-        for (final Future<Object> result : results) {
+        final Stream<Callable<Object>> calls =
+                Stream.of(names).map(name -> () -> call(name, start));
+        for (final Future<Object> result : pool.invokeAll(calls.toList())) {
             System.out.print(result.get() + " ");
         }
+        pool.shutdown();
     }
 
     private static Object call(String name, CyclicBarrier start) throws Exception {

@@ -38,8 +38,7 @@ class FrameworkTest {
             {16, 16, 0}, {16, 17, -1}, {17, -1, -1}, {MOST, 255, MOST - 255}, {MOST + 16, -1, -1},
         };
         for (final int[] row : rows) {
-            final byte[] text = new byte[row[0] / 16 * 16];
-            Arrays.fill(text, (byte) 'x');
+            final byte[] text = "x".repeat(row[0] / 16 * 16).getBytes();
             if (row[1] >= 0) {
                 text[text.length - 1] = (byte) row[1];
                 log.append("I/zorenconfig:  zorenconfig pading_length " + row[1] + " \n");

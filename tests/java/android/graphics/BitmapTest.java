@@ -3,17 +3,18 @@ package android.graphics;
 import static org.junit.jupiter.api.Assertions.*;
 
 import android.graphics.Bitmap.Config;
-import java.nio.Buffer;
-import java.nio.ByteBuffer;
-import java.nio.ByteOrder;
-import java.nio.CharBuffer;
-import java.nio.IntBuffer;
-import java.util.Arrays;
-import java.util.HexFormat;
+import java.lang.reflect.Method;
+import java.nio.*;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.*;
+import java.util.stream.Collectors;
 import org.junit.jupiter.api.Test;
 import org.junit.jupiter.params.ParameterizedTest;
 import org.junit.jupiter.params.provider.CsvSource;
 import org.junit.jupiter.params.provider.ValueSource;
+import zoren.util.BitmapGrayUtil;
+import zoren.util.BlurUtil;
 
 class BitmapTest {
     private static final Config ARGB = Config.ARGB_8888;
@@ -74,7 +75,6 @@ class BitmapTest {
         // The largest, which is more than these tests may have.
         "2147483647, 1, ALPHA_8, Cannot reserve 2147483647 bytes",
         "536870912, 1, ARGB_8888, bitmap rows of 2147483648 bytes",
-        "1073741824, 1, RGB_565, bitmap rows of 2147483648 bytes",
         "32768, 16384, ARGB_8888, bitmap of 2147483648 bytes",
     })
     void refusesSizes(int width, int height, Config config, String message) {
@@ -83,12 +83,31 @@ class BitmapTest {
         assertTrue(refusal.getMessage().startsWith(message), refusal.getMessage());
     }
 
+    /** bitmap_api.txt has the API level and signature of a method a line, as the reference. */
     @Test
-    void hasThePlatformsConfigurations() {
+    void isShapedAsThePublicReferenceSays() throws Exception {
+        final Set<String> reference = new HashSet<>();
+        for (final String line : Files.readAllLines(Path.of(System.getProperty("zoren.api")))) {
+            final String[] columns = line.split(" ", 2);
+            assertTrue(Integer.parseInt(columns[0]) <= 28, line);
+            reference.add(columns[1]);
+        }
+        assertEquals(reference, Arrays.stream(Bitmap.class.getDeclaredMethods())
+                .map(Method::toString).filter(text -> text.startsWith("public "))
+                .map(text -> text.replaceAll("public |(java|android)\\.\\w+\\.|Bitmap[.$]", ""))
+                .collect(Collectors.toSet()));
         assertEquals("[ALPHA_8, RGB_565, ARGB_4444, ARGB_8888, RGBA_F16, HARDWARE]",
                 Arrays.toString(Config.values()));
-        assertEquals(ARGB, Bitmap.createBitmap(3, 2, Config.ARGB_4444).getConfig());
-        refuses("IllegalArgument", () -> Bitmap.createBitmap(SIX, 3, 2, Config.HARDWARE));
+        final Bitmap odd = Bitmap.createBitmap(3, 1, Config.RGB_565); // 6 bytes
+        final List<String> differences = List.of(
+                "RGBA_F16: " + refuses("UnsupportedOperation",
+                        () -> Bitmap.createBitmap(1, 1, Config.RGBA_F16)),
+                "few colours: " + refuses("ArrayIndexOutOfBounds", // a phone's, too
+                        () -> Bitmap.createBitmap(SIX, 7, 1, ARGB)) + " for IllegalArgument",
+                "from 2 ints: " + refuses("Runtime", // nothing copies a part of an element
+                        () -> odd.copyPixelsFromBuffer(IntBuffer.allocate(2))));
+        System.out.println("[   DEVICE ] Bitmap: " + reference.size() + " methods as in the public"
+                + " reference, and differently " + differences);
     }
 
     @Test
@@ -96,10 +115,18 @@ class BitmapTest {
         final Bitmap bitmap = Bitmap.createBitmap(3, 2, ARGB);
         final Bitmap column = Bitmap.createBitmap(1, 3, ARGB);
         final Bitmap fixed = Bitmap.createBitmap(SIX, 3, 2, ARGB);
-        final Bitmap odd = Bitmap.createBitmap(3, 1, Config.RGB_565);
+        final Bitmap gone = Bitmap.createPadded(3, 2, ARGB, 16);
+        final ByteBuffer buffer = ByteBuffer.allocate(32);
+        assertTrue(bitmap.isMutable() && !fixed.isMutable() && !fixed.isRecycled());
+        assertEquals(32, gone.getByteCount());
+        gone.recycle();
+        assertEquals(0, gone.getByteCount());
         refuses("IllegalArgument", () -> Bitmap.createBitmap(SIX, 1, 0, ARGB));
+        refuses("IllegalArgument", () -> Bitmap.createBitmap(SIX, 3, 2, Config.HARDWARE));
         refuses("IllegalArgument", () -> Bitmap.createPadded(3, 1, ARGB, 8));
         refuses("IllegalArgument", () -> Bitmap.createPadded(3, 1, ARGB, 14));
+        refuses("IllegalArgument", () -> bitmap.getPixel(3, 0));
+        refuses("IllegalArgument", () -> bitmap.setPixel(0, -1, 0));
         refuses("IllegalArgument", () -> bitmap.setPixels(SIX, 0, 3, 0, -1, 3, 2));
         refuses("IllegalArgument", () -> bitmap.setPixels(SIX, 0, 3, 0, 0, -1, 2));
         refuses("IllegalArgument", () -> bitmap.getPixels(SIX, 0, 3, 0, 0, 3, -1));
@@ -113,29 +140,40 @@ class BitmapTest {
         refuses("ArrayIndexOutOfBounds", () -> bitmap.getPixels(SIX, -1, 3, 0, 0, 3, 2));
         refuses("ArrayIndexOutOfBounds", () -> bitmap.getPixels(SIX, 2, MIN, 0, 0, 3, 2));
         refuses("ArrayIndexOutOfBounds", () -> column.getPixels(SIX, 2, MAX, 0, 0, 1, 3));
+        refuses("IllegalState", () -> fixed.setPixel(0, 0, 0));
         refuses("IllegalState", () -> fixed.setPixels(SIX, 0, 3, 0, 0, 0, 0));
+        refuses("IllegalState", () -> gone.getPixel(0, 0));
+        refuses("IllegalState", () -> gone.setPixel(0, 0, 0));
+        refuses("IllegalState", () -> gone.getPixels(SIX, 0, 3, 0, 0, 0, 0));
+        refuses("IllegalState", () -> gone.setPixels(SIX, 0, 3, 0, 0, 0, 0));
+        refuses("IllegalState", () -> gone.copyPixelsToBuffer(buffer));
+        refuses("IllegalState", () -> gone.copyPixelsFromBuffer(buffer));
+        refuses("IllegalState", () -> gone.sameAs(gone));
+        refuses("IllegalArgument", () -> fixed.sameAs(gone));
         refuses("Runtime", () -> bitmap.copyPixelsToBuffer(CharBuffer.allocate(12)));
-        refuses("Runtime", () -> odd.copyPixelsFromBuffer(IntBuffer.allocate(2)));
         assertTrue(bitmap.sameAs(Bitmap.createBitmap(3, 2, ARGB)), "a refusal changes nothing");
         assertTrue(fixed.sameAs(Bitmap.createBitmap(SIX, 3, 2, ARGB)));
     }
 
+    /** The image natives, with what they cannot read. */
     @Test
-    void endsWithRecycling() {
-        final Bitmap fixed = Bitmap.createBitmap(SIX, 3, 2, ARGB);
-        final Bitmap bitmap = Bitmap.createPadded(3, 2, ARGB, 16);
-        final ByteBuffer buffer = ByteBuffer.allocate(32);
-        assertTrue(bitmap.isMutable() && !fixed.isMutable() && !fixed.isRecycled());
-        assertEquals(32, bitmap.getByteCount());
-        bitmap.recycle();
-        assertEquals(0, bitmap.getByteCount());
-        refuses("IllegalState", () -> bitmap.setPixel(0, 0, 0));
-        refuses("IllegalState", () -> bitmap.getPixels(SIX, 0, 3, 0, 0, 0, 0));
-        refuses("IllegalState", () -> bitmap.setPixels(SIX, 0, 3, 0, 0, 0, 0));
-        refuses("IllegalState", () -> bitmap.copyPixelsToBuffer(buffer));
-        refuses("IllegalState", () -> bitmap.copyPixelsFromBuffer(buffer));
-        refuses("IllegalState", () -> bitmap.sameAs(bitmap));
-        refuses("IllegalArgument", () -> fixed.sameAs(bitmap));
+    void isRefusedByTheNatives() {
+        final Bitmap[] refused = {
+            null,
+            Bitmap.createBitmap(2, 2, ARGB),
+            Bitmap.createPadded(3, 2, ARGB, 16),
+            Bitmap.createPadded(4, 2, Config.RGB_565, 16), // as many bytes a row as of packed words
+            Bitmap.createPadded(4, 2, Config.ALPHA_8, 16),
+            Bitmap.createBitmap(1, 3, ARGB),
+        };
+        refused[1].recycle();
+        for (int i = 0; i < refused.length; ++i) {
+            final Bitmap bitmap = refused[i];
+            BlurUtil.getBlurEffect(bitmap, 1, 0xFF00FF00);
+            assertEquals(-1, BitmapGrayUtil.getBitmapGray(bitmap), "bitmap " + i);
+            assertEquals(-1, BitmapGrayUtil.getBitmapColorCast(bitmap, 100, 100), "bitmap " + i);
+            assertEquals(0, bitmap == null ? 0 : bitmap.lockCount(), "bitmap " + i);
+        }
     }
 
     @Test
@@ -145,6 +183,8 @@ class BitmapTest {
         other.copyPixelsFromBuffer(ByteBuffer.wrap(new byte[] {0, 0, 0, 9, 0, 0, 0, 9}));
         assertTrue(bitmap.sameAs(other), "with other bytes in its padding");
         assertFalse(bitmap.sameAs(null));
+        assertTrue(Bitmap.createBitmap(3, 2, Config.ARGB_4444)
+                .sameAs(Bitmap.createBitmap(3, 2, ARGB)), "4 bits a channel are stored as 8");
         assertFalse(bitmap.sameAs(Bitmap.createBitmap(4, 2, Config.ALPHA_8)));
         assertFalse(bitmap.sameAs(Bitmap.createBitmap(3, 3, Config.ALPHA_8)));
         assertFalse(bitmap.sameAs(Bitmap.createBitmap(3, 2, ARGB)));
@@ -175,8 +215,9 @@ class BitmapTest {
         assertTrue(copy.sameAs(bitmap));
     }
 
-    private static void refuses(String thrown, Runnable use) {
+    private static String refuses(String thrown, Runnable use) {
         final Exception refusal = assertThrows(RuntimeException.class, use::run);
         assertEquals(thrown + "Exception", refusal.getClass().getSimpleName());
+        return thrown;
     }
 }
