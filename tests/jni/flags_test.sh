@@ -7,18 +7,7 @@ set -u
 export LC_ALL=C
 commands=$1
 shift
-passed=0 failed=0
-
-# check WHAT WRONG: the sources that are not so
-check() {
-    if [[ -z $2 ]]; then
-        passed=$((passed + 1))
-    else
-        failed=$((failed + 1))
-        echo "$1:"
-        echo "$2"
-    fi
-}
+source "${0%/*}/checks.sh"
 
 # SOURCE COMMAND, for each source
 compiled=$(sed -n 's|^ *"command": "\(.*CMakeFiles/zoren_runtime\.dir/\(.*\)\.o -c .*\)",$|\2 \1|p' \
@@ -51,5 +40,4 @@ for flag; do
         if (last != flag) print "    " $1 ": " last
     }' <<<"$compiled")"
 done
-echo "$passed checks passed, $failed failed"
-[[ $failed -eq 0 && $passed -gt 1 ]]
+finish
