@@ -10,13 +10,13 @@
 
 // Every input that the fuzzers kept, through its target; one that fails ends the program.
 TEST(FuzzCorpus, Replays) {
-    for (size_t t = 0; t < fuzz::kTargetCount; ++t) {
-        const std::string folder = std::string(ZOREN_FUZZ_CORPUS "/") + fuzz::kTargets[t].name;
+    for (const auto& [name, run] : fuzz::kTargets) {
+        const std::string folder = std::string(ZOREN_FUZZ_CORPUS "/") + name;
         size_t inputs = 0;
         for (const auto& entry : std::filesystem::directory_iterator(folder)) {
             std::ifstream stream(entry.path(), std::ios::binary);
             const std::vector<char> bytes(std::istreambuf_iterator<char>(stream), {});
-            fuzz::kTargets[t].run(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());
+            run(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());
             ++inputs;
         }
         EXPECT_GT(inputs, 0u) << folder;
@@ -27,11 +27,11 @@ TEST(FuzzCorpus, Replays) {
 // kind and files under another key among it, because the targets read what they do from the bytes.
 TEST(FuzzCorpus, AnyBytes) {
     std::mt19937 random(61);
-    for (size_t t = 0; t < fuzz::kTargetCount; ++t) {
+    for (const auto& [name, run] : fuzz::kTargets) {
         for (int round = 0; round < 1000; ++round) {
             std::vector<uint8_t> bytes(random() % 64);
             for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random());
-            fuzz::kTargets[t].run(bytes.data(), bytes.size());
+            run(bytes.data(), bytes.size());
         }
     }
     useInstructionSet(0);  // the targets choose one

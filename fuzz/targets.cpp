@@ -64,14 +64,10 @@ class Bytes {
 };
 
 // The fakes outlive the calls: their set-up costs more than most calls.
-struct Surroundings {
-    FakePlatform platform;
-    FakeLibc libc;
-};
-Surroundings& surroundings() {
-    static auto* const all = new Surroundings;
-    all->platform.calls.clear();
-    all->platform.log.clear();
+std::pair<FakePlatform, FakeLibc>& surroundings() {
+    static auto* const all = new std::pair<FakePlatform, FakeLibc>;
+    all->first.calls.clear();
+    all->first.log.clear();
     return *all;
 }
 
@@ -101,10 +97,6 @@ void config(const uint8_t* data, size_t size) {
     showFile(libc, file);
     REQUIRE(platform.config() == reference::decryptConfig(file));
     REQUIRE(libc.balanced());
-    for (const std::string& line : platform.log) {
-        REQUIRE(line == "4 zorenconfig: error zorenconfig file \n" ||
-                line.rfind("4 zorenconfig:  zorenconfig pading_length ", 0) == 0);
-    }
 }
 
 // A request, then the file.
@@ -170,8 +162,7 @@ void pixels(const uint8_t* data, size_t size) {
 
 }  // namespace
 
-const NamedTarget kTargets[] = {
+const std::map<std::string, Target> kTargets = {
     {"config", config}, {"statistics", statistics}, {"blur", blur}, {"pixels", pixels}};
-const size_t kTargetCount = std::size(kTargets);
 
 }  // namespace fuzz

@@ -2,6 +2,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
+#include <string>
 
 // What is fuzzed. Each target reads its arguments from the bytes, calls the unmodified library and
 // compares with the plain reference; a difference, a finding of a sanitizer or an access beyond a
@@ -10,12 +12,6 @@ namespace fuzz {
 
 using Target = void (*)(const uint8_t* data, size_t size);
 
-struct NamedTarget {
-    const char* name;
-    Target run;
-};
-
-extern const NamedTarget kTargets[];
-extern const size_t kTargetCount;
+extern const std::map<std::string, Target> kTargets;  // by name
 
 }  // namespace fuzz
