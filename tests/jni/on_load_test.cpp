@@ -13,18 +13,12 @@ using Lines = std::vector<std::string>;
 const Lines kClasses = {"zoren/util/BlurUtil", "zoren/util/BitmapGrayUtil",
                         "android/util/ZorenConfig", "zoren/net/ZorenTrafficStats"};
 
-Lines classes(const FakePlatform& platform) {
-    Lines names;
-    for (const auto& registration : platform.registrations) names.push_back(registration.className);
-    return names;
-}
-
 TEST(OnLoad, RegistersTheFourClassesInOrder) {
     FakePlatform platform;
     platform.failing = "registerNativeMethods";
     EXPECT_EQ(JNI_OnLoad(platform.vm(), nullptr), 0x00010004);
     EXPECT_EQ(platform.calls, Lines{"GetEnv 65540"});
-    EXPECT_EQ(classes(platform), kClasses);
+    EXPECT_EQ(platform.classes, kClasses);
 }
 
 TEST(OnLoad, FailsWithoutAnEnvironment) {
@@ -32,7 +26,7 @@ TEST(OnLoad, FailsWithoutAnEnvironment) {
         FakePlatform platform;
         platform.getEnvResult = result;
         EXPECT_EQ(JNI_OnLoad(platform.vm(), nullptr), JNI_ERR) << result;
-        EXPECT_EQ(classes(platform), Lines{}) << result;
+        EXPECT_EQ(platform.classes, Lines{}) << result;
     }
 }
 
@@ -43,7 +37,7 @@ TEST(Registration, TellsFailure) {
     for (int i = 0; i < 4; ++i) {
         FakePlatform platform;
         EXPECT_GE(functions[i](platform.env()), 0) << i;
-        EXPECT_EQ(classes(platform), Lines{kClasses[i]});
+        EXPECT_EQ(platform.classes, Lines{kClasses[i]});
         platform.failing = "registerNativeMethods";
         EXPECT_LT(functions[i](platform.env()), 0) << i;
     }

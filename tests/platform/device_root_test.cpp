@@ -46,22 +46,20 @@ TEST(DeviceRoot, MapsTwoPathsAlone) {
     }
     // The longest name that the system takes has PATH_MAX bytes with its zero.
     const std::string longest(PATH_MAX - 1 - (root + kStatistics).size(), '/');
-    const struct {
-        std::string root, config, statistics;
-    } roots[] = {
-        {"", "2 2 2", "2 2 2"},  // ENOENT
-        {root + "/none", "2 2 2", "2 2 2"},
-        {root, "0 0 0", "0 0 0"},
-        {longest + root, "0 0 0", "0 0 0"},
-        {std::string(40, '/') + longest + root, "36 36 36", "36 36 36"},  // ENAMETOOLONG
+    const std::pair<std::string, std::string> roots[] = {
+        {"", "2 2 2"},  // ENOENT
+        {root + "/none", "2 2 2"},
+        {root, "0 0 0"},
+        {longest + root, "0 0 0"},
+        {std::string(40, '/') + longest + root, "36 36 36"},  // ENAMETOOLONG
     };
-    for (const auto& row : roots) {
-        setenv("ZOREN_DEVICE_ROOT", row.root.c_str(), 1);
-        EXPECT_EQ(tried(kConfig), row.config) << row.root;
-        EXPECT_EQ(tried(kStatistics), row.statistics) << row.root;
-        for (const char* path : kNearly) EXPECT_EQ(tried(path), "2 2 2") << row.root << path;
-        EXPECT_EQ(tried("/dev/null"), "0 0 0") << row.root;
-        EXPECT_EQ(tried(nullptr), "14 14 14") << row.root;  // EFAULT
+    for (const auto& [set, result] : roots) {
+        setenv("ZOREN_DEVICE_ROOT", set.c_str(), 1);
+        EXPECT_EQ(tried(kConfig), result) << set;
+        EXPECT_EQ(tried(kStatistics), result) << set;
+        for (const char* path : kNearly) EXPECT_EQ(tried(path), "2 2 2") << set << path;
+        EXPECT_EQ(tried("/dev/null"), "0 0 0") << set;
+        EXPECT_EQ(tried(nullptr), "14 14 14") << set;  // EFAULT
     }
     setenv("ZOREN_DEVICE_ROOT", root.c_str(), 1);
     EXPECT_EQ(kAccess(kConfig, X_OK), -1);

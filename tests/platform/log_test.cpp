@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -36,11 +37,6 @@ class Log : public testing::Test {
         const int result = __android_log_print(priority, tag, "%s", text);
         EXPECT_EQ(errno, EXDEV);
         return result;
-    }
-
-    std::string content() const {
-        std::ifstream file(path_);
-        return {std::istreambuf_iterator<char>(file), {}};
     }
 
     const std::string path_ = testing::TempDir() + "zoren_log." + std::to_string(getpid());
@@ -73,16 +69,16 @@ TEST_F(Log, WritesOneLineAnEntry) {
     EXPECT_EQ(writes, 6);
     interrupted = 0;
     longest = SIZE_MAX;
-    EXPECT_TRUE(content() == all + "I/tag: in parts\n");
+    std::ifstream file(path_);
+    const std::string content{std::istreambuf_iterator<char>(file), {}};
+    EXPECT_TRUE(content == all + "I/tag: in parts\n");
 }
 
 TEST_F(Log, GivesBackWhatItTakes) {
     const mode_t mask = umask(0);
     print("");
     umask(mask);
-    struct stat made;
-    ASSERT_EQ(stat(path_.c_str(), &made), 0);
-    EXPECT_EQ(made.st_mode & 0777, 0644u);
+    EXPECT_EQ(std::filesystem::status(path_).permissions(), std::filesystem::perms{0644});
     const int file = dup(0);
     close(file);
     const size_t used = mallinfo2().uordblks;

@@ -6,6 +6,8 @@
 #include <string.h>
 
 #include <string>
+#include <tuple>
+#include <vector>
 
 #include "tests/support/local_references.h"
 
@@ -49,13 +51,12 @@ class Natives : public testing::Test {
     jobject createPadded() {  // 2 x 3 pixels in rows of 8 bytes
         const char* type = "Landroid/graphics/Bitmap$Config;";
         const jclass configs = env->FindClass("android/graphics/Bitmap$Config");
-        const jmethodID method =
-            env->GetStaticMethodID(bitmapClass, "createPadded",
-                                   (std::string("(II") + type + "I)L" + kBitmap + ";").c_str());
-        return checked(env->CallStaticObjectMethod(
-            bitmapClass, method, 2, 3,
-            env->GetStaticObjectField(configs, env->GetStaticFieldID(configs, "RGB_565", type)),
-            8));
+        const jfieldID rgb565 = env->GetStaticFieldID(configs, "RGB_565", type);
+        const jmethodID create = env->GetStaticMethodID(
+            bitmapClass, "createPadded",
+            "(IILandroid/graphics/Bitmap$Config;I)Landroid/graphics/Bitmap;");
+        return checked(env->CallStaticObjectMethod(bitmapClass, create, 2, 3,
+                                                   env->GetStaticObjectField(configs, rgb565), 8));
     }
 
     void* address(jfieldID field) {
@@ -109,21 +110,17 @@ TEST_F(Natives, KeepLockedPixelsOfARecycledBitmap) {
 }
 
 TEST_F(Natives, CountLocksToTheLimit) {
-    const struct {
-        uint32_t state;
-        const char* results;
-        uint32_t after;
-    } rows[] = {
+    const std::tuple<uint32_t, const char*, uint32_t> rows[] = {
         {0xFFFF, "0 0 0", 0xFFFF},
         {0x7FFFFFFE, "0 0 0", 0x7FFFFFFE},
         {0x7FFFFFFF, "0 -1 0", 0x7FFFFFFE},
         {kRecycled, "0 -2 -1", kRecycled},
         {kRecycled | 0x7FFFFFFF, "0 -2 0", kRecycled | 0x7FFFFFFE},
     };
-    for (const auto& row : rows) {
-        state = row.state;
-        EXPECT_EQ(results(env, bitmap), row.results) << row.state;
-        EXPECT_EQ(state, row.after);
+    for (const auto& [before, expected, after] : rows) {
+        state = before;
+        EXPECT_EQ(results(env, bitmap), expected) << before;
+        EXPECT_EQ(state, after);
     }
     state = 0;
     EXPECT_EQ(AndroidBitmap_unlockPixels(env, bitmap), -1);
@@ -162,11 +159,8 @@ TEST_F(Natives, AreRegisteredOrMissing) {
     const JNINativeMethod gray = method("getBitmapGray", "(Landroid/graphics/Bitmap;)I");
     const JNINativeMethod other = method("getBitmapGray", "()I");
     const JNINativeMethod plain = method("getConfigXML", "()Ljava/lang/String;");  // not native
-    const struct {
-        const char* className;
-        const JNINativeMethod methods[2];
-        int count, result;
-    } rows[] = {
+    const auto registered = android::AndroidRuntime::registerNativeMethods;
+    const std::tuple<const char*, std::vector<JNINativeMethod>, int, int> rows[] = {
         {"zoren/util/NoSuchUtil", {gray}, 1, -1},
         {"zoren/util/BitmapGrayUtil", {gray, other}, 2, -1},
         {"android/util/ZorenConfig", {plain}, 1, -1},
@@ -174,21 +168,19 @@ TEST_F(Natives, AreRegisteredOrMissing) {
         {"zoren/util/BitmapGrayUtil", {gray}, -1, -1},
         {nullptr, {gray}, 1, -1},
     };
-    for (const auto& row : rows) {
+    for (const auto& [className, methods, count, result] : rows) {
         jlong held = 0;
         for (int i = 0; i < 2; ++i) {  // loading a class the machine makes references of its own
             held = local_references::held;
-            EXPECT_EQ(android::AndroidRuntime::registerNativeMethods(env, row.className,
-                                                                     row.methods, row.count),
-                      row.result);
+            EXPECT_EQ(registered(env, className, methods.data(), count), result);
             EXPECT_FALSE(env->ExceptionCheck());
         }
         EXPECT_EQ(local_references::held, held);
     }
-    EXPECT_EQ(android::AndroidRuntime::registerNativeMethods(nullptr, kBitmap, &gray, 0), -1);
-    EXPECT_EQ(android::AndroidRuntime::registerNativeMethods(env, kBitmap, nullptr, 0), -1);
+    EXPECT_EQ(registered(nullptr, kBitmap, &gray, 0), -1);
+    EXPECT_EQ(registered(env, kBitmap, nullptr, 0), -1);
     jniThrowNullPointerException(env, "pending");
-    EXPECT_EQ(android::AndroidRuntime::registerNativeMethods(env, kBitmap, &gray, 0), -1);
+    EXPECT_EQ(registered(env, kBitmap, &gray, 0), -1);
     EXPECT_TRUE(env->ExceptionCheck());
     env->ExceptionClear();
 }

@@ -70,7 +70,8 @@ int throwNullPointer(void*, const char* message) {
 
 int android::AndroidRuntime::registerNativeMethods(JNIEnv* env, const char* className,
                                                    const JNINativeMethod* methods, int count) {
-    active->registrations.push_back({className, {methods, methods + count}});
+    active->classes.push_back(className);
+    for (int i = 0; i < count; ++i) active->methods[methods[i].name] = methods[i].fnPtr;
     if (env != active->env()) return -2;
     return active->fails("registerNativeMethods") ? -1 : 0;
 }
@@ -123,17 +124,12 @@ void FakePlatform::showBitmap(Image& image) {
 }
 
 void* FakePlatform::nativeAddress(const char* name) {
-    if (registrations.empty()) {
+    if (classes.empty()) {
         const std::string script = std::exchange(failing, "");
         JNI_OnLoad(vm(), nullptr);
         failing = script;
         calls.clear();
         reached.clear();
     }
-    for (const Registration& registration : registrations) {
-        for (const JNINativeMethod& method : registration.methods) {
-            if (std::strcmp(method.name, name) == 0) return method.fnPtr;
-        }
-    }
-    return nullptr;
+    return methods[name];
 }

@@ -16,11 +16,6 @@
 // library: it does as a test's script says and keeps what it was asked for.
 class FakePlatform {
   public:
-    struct Registration {
-        std::string className;
-        std::vector<JNINativeMethod> methods;
-    };
-
     FakePlatform();  // the latest one of its thread counts
     ~FakePlatform();
 
@@ -33,10 +28,12 @@ class FakePlatform {
     std::string failing;  // the call that reports failure, also one of the C library or libcrypto
     int failingCall = 0;  // which one of them, counted from 1; 0 for every one
 
-    // What came in: every call in order, the log ("<priority> <tag>: <text>"), the tables.
+    // What came in: every call in order, the log ("<priority> <tag>: <text>"), the classes whose
+    // methods were registered and all those methods.
     std::vector<std::string> calls;
     std::vector<std::string> log;
-    std::vector<Registration> registrations;
+    std::vector<std::string> classes;
+    std::map<std::string, void*> methods;
     std::string newString;
     std::map<std::string, int> reached;  // how often what can fail was called
     int held = 0;                        // locks and strings that were not given back

@@ -9,19 +9,6 @@
 
 namespace {
 
-#if defined(__x86_64__)
-constexpr unsigned kJumpSlot = R_X86_64_JUMP_SLOT, kGlobalData = R_X86_64_GLOB_DAT;
-#elif defined(__aarch64__)
-constexpr unsigned kJumpSlot = R_AARCH64_JUMP_SLOT, kGlobalData = R_AARCH64_GLOB_DAT;
-#endif
-
-const link_map* runtimeLibrary() {
-    const link_map* library = _r_debug.r_map;
-    while (std::strstr(library->l_name, "libzoren_runtime.so") == nullptr)
-        library = library->l_next;
-    return library;
-}
-
 // The value of a dynamic section's entry; the loader has made the pointers among them absolute.
 ElfW(Addr) entryOf(const link_map& library, ElfW(Sxword) tag) {
     for (const ElfW(Dyn)* entry = library.l_ld; entry->d_tag != DT_NULL; ++entry) {
@@ -33,16 +20,16 @@ ElfW(Addr) entryOf(const link_map& library, ElfW(Sxword) tag) {
 // Calls visit(symbol, name, slot) for each address that the loader puts into the library's table.
 template <typename Visit>
 void visitSlots(Visit visit) {
-    const link_map* library = runtimeLibrary();
+    const link_map* library = _r_debug.r_map;
+    while (!std::strstr(library->l_name, "libzoren_runtime.so")) library = library->l_next;
     const auto* symbols = reinterpret_cast<const ElfW(Sym)*>(entryOf(*library, DT_SYMTAB));
     const auto* names = reinterpret_cast<const char*>(entryOf(*library, DT_STRTAB));
     for (const auto& [table, size] : {std::pair{DT_RELA, DT_RELASZ}, {DT_JMPREL, DT_PLTRELSZ}}) {
         const auto* rela = reinterpret_cast<const ElfW(Rela)*>(entryOf(*library, table));
         const auto* end = rela + entryOf(*library, size) / sizeof(*rela);
         for (; rela != end; ++rela) {
-            const auto type = ELF64_R_TYPE(rela->r_info);
-            if (type != kJumpSlot && type != kGlobalData) continue;
             const ElfW(Sym)& symbol = symbols[ELF64_R_SYM(rela->r_info)];
+            if (symbol.st_name == 0) continue;  // an address of the library's own
             visit(symbol, names + symbol.st_name,
                   reinterpret_cast<void**>(library->l_addr + rela->r_offset));
         }

@@ -9,22 +9,18 @@ namespace local_references {
 inline JNINativeInterface_ machine;  // the functions as they were
 inline thread_local jlong held;      // made less deleted, by this thread
 
-template <auto Function>
-struct Counted;
-
-template <typename... Arguments, typename Result,
-          Result (JNICALL* JNINativeInterface_::*Function)(JNIEnv*, Arguments...)>
-struct Counted<Function> {
-    static Result JNICALL call(JNIEnv* env, Arguments... arguments) {
+template <auto Function, typename Result, typename... Arguments>
+auto counted(Result (JNICALL* JNINativeInterface_::*)(JNIEnv*, Arguments...)) {
+    return [](JNIEnv* env, Arguments... arguments) {
         const Result made = (machine.*Function)(env, arguments...);
         held += made != nullptr;
         return made;
-    }
-};
+    };
+}
 
 template <auto... Functions>
 void countThoseOf(JNINativeInterface_* table) {
-    ((table->*Functions = Counted<Functions>::call), ...);
+    ((table->*Functions = counted<Functions>(Functions)), ...);
 }
 
 // From now on, for who uses the table.
