@@ -126,7 +126,7 @@ class BitmapTest {
         refuses("IllegalArgument", () -> Bitmap.createPadded(3, 1, ARGB, 8));
         refuses("IllegalArgument", () -> Bitmap.createPadded(3, 1, ARGB, 14));
         refuses("IllegalArgument", () -> bitmap.getPixel(3, 0));
-        refuses("IllegalArgument", () -> bitmap.setPixel(0, -1, 0));
+        refuses("IllegalArgument", () -> bitmap.setPixel(-1, 0, 0));
         refuses("IllegalArgument", () -> bitmap.setPixels(SIX, 0, 3, 0, -1, 3, 2));
         refuses("IllegalArgument", () -> bitmap.setPixels(SIX, 0, 3, 0, 0, -1, 2));
         refuses("IllegalArgument", () -> bitmap.getPixels(SIX, 0, 3, 0, 0, 3, -1));
