@@ -8,7 +8,7 @@ instruction_sets=() # a line a build: which were tried, and which the processor 
 # "N checks passed, M failed". A test that fails without naming a failure, or that leaves no count
 # (it died, or nothing ran), is a failure.
 run_tests() {
-    local build=$1 reports=$1/reports log=$1/tests.log names name tried='' lacking=''
+    local build=$1 reports=$1/reports log=$1/tests.log names name tried lacking
     echo "== ${build##*/}"
     rm -rf "$reports" "$log"
     names=$(cd "$build" && ctest -N | sed -n 's/^ *Test *#[0-9]*: //p') || true
@@ -18,13 +18,23 @@ run_tests() {
         return
     fi
     for name in $names; do run_test; done
-    tried=$(sed -n 's/^\([0-9]*: \)\?\[ TARGETS  \] tried: *//p' "$log" | sort -u)
-    lacking=$(sed -n 's/^\([0-9]*: \)\?\[ TARGETS  \] lacking: *//p' "$log" | sort -u)
+    tried=$(told tried) lacking=$(told lacking)
     if [ -z "$tried" ]; then
         echo "no test tells the instruction sets it tried: a failure"
         failed=$((failed + 1))
     fi
+    [ "$tried" != none ] || tried="only the one the library chose"
+    # What one program of the build lacks, another may have tried, emulating another processor.
+    lacking=$(comm -13 <(tr ' ' '\n' <<<"$tried") <(tr ' ' '\n' <<<"$lacking") | xargs)
     instruction_sets+=("Instruction sets tried in ${build##*/}: ${tried:-unknown}; this processor lacks: ${lacking:-none}")
+}
+
+# told WHAT: the names that the programs in $log told as "tried" or "lacking", or "none"
+told() {
+    local names
+    names=$(sed -n "s/^\([0-9]*: \)\?\[ TARGETS  \] $1: *//p" "$log" | tr ' ' '\n' | sort -u)
+    [ "$names" = none ] || names=$(sed '/^none$/d' <<<"$names")
+    xargs <<<"$names"
 }
 
 # The test $name of $build, into $log.

@@ -39,6 +39,9 @@ expect '0 1' "$all" "$targets; $report; echo '<t>$row' >&3"
 expect '0 1' "$all" "$targets; $report; echo '<t></t>' >&3"
 expect '0 1' "$all" "$targets; kill -9 \$\$"
 expect '1 1' "$all" "$targets" 'echo "1 checks passed, 0 failed"'
-expect '1 1' 'tried in build: unknown' 'echo "1 checks passed, 0 failed"'
+one='echo "1 checks passed, 0 failed"'
+expect '2 0' 'tried in build: AVX2 AVX3_DL SSE4; this processor lacks: none' "$targets; $one" \
+    "${targets//AVX2 SSE4/AVX3_DL}; $one"
+expect '1 1' 'tried in build: unknown' "$one"
 expect '0 1' ''
 echo "$checks checks passed, 0 failed"
