@@ -84,7 +84,7 @@ final class Exif {
 
     /** Returns the offset of a folder's entry, or -1. */
     private int entry(int folder, int tag) {
-        if (folder <= 0 || folder + 2 > block.limit()) {
+        if (folder <= 0 || folder > block.limit() - 2) {
             return -1;
         }
         final int end = Math.min(next(folder), block.limit() - 11);

@@ -187,7 +187,7 @@ final class Notes {
 
                     @Override
                     public boolean shouldAcceptChunk(String type) {
-                        return type.equals("ICCP") || type.equals("EXIF");
+                        return type.equals("EXIF"); // by the profile, the plug-in makes it sRGB
                     }
 
                     @Override
@@ -203,7 +203,6 @@ final class Notes {
         try (InputStream in = source.stream()) {
             new RiffReader().processRiff(new StreamReader(in), handler);
         } finally {
-            profile = rgbProfile(chunks.getOrDefault("ICCP", new byte[0]));
             final byte[] block = chunks.get("EXIF");
             exif =
                     block != null && startsWith(block, JPEG_EXIF) // some writers put it there

@@ -23,7 +23,8 @@ import javax.imageio.stream.MemoryCacheImageOutputStream;
 
 /** Moves pictures between files and bitmaps, sample by sample and some rows at a time. */
 final class Pictures {
-    private static final int STRIP_PIXELS = 2 << 20; // of formats whose decoders find their way
+    private static final int STRIP_PIXELS = 1 << 18; // of formats whose decoders find their way
+    private static final int[] RGB_BANDS = {0, 1, 2};
     private static final int PNG_HEADER_BYTES = 33; // signature and IHDR
     private static final int JPEG_HEADER_BYTES = 20; // start and JFIF segment
     // What the decoders warn of and decode right all the same. With any other warning samples may
@@ -68,7 +69,10 @@ final class Pictures {
                 way = Format.Way.WHOLE;
                 notes.dropProfile();
             }
-            final Bitmap bitmap = decode(reader, way, notes.orientation());
+            // A part of a TIFF file's own strips costs as much as a whole one.
+            final int strip = Math.min(reader.getTileHeight(0), reader.getHeight(0));
+            final int unit = source.format == Format.TIFF ? Math.max(1, strip) : 1;
+            final Bitmap bitmap = decode(reader, way, unit, notes.orientation());
             if (!losses.isEmpty()) {
                 throw new Failure(source.name + ": is not a whole picture: " + losses.get(0));
             }
@@ -104,14 +108,14 @@ final class Pictures {
         return reader;
     }
 
-    private static Bitmap decode(ImageReader reader, Format.Way way, int orientation)
+    private static Bitmap decode(ImageReader reader, Format.Way way, int unit, int orientation)
             throws IOException {
         final int width = reader.getWidth(0);
         final int height = reader.getHeight(0);
         final Upright upright = new Upright(width, height, orientation);
         final ImageReadParam param = reader.getDefaultReadParam();
         if (way == Format.Way.BY_STRIPS) {
-            final int rows = Math.max(1, STRIP_PIXELS / width);
+            final int rows = unit * Math.max(1, STRIP_PIXELS / width / unit);
             for (int y = 0; y < height; y += rows) {
                 param.setSourceRegion(new Rectangle(0, y, width, Math.min(rows, height - y)));
                 put(reader.read(0, param), y, upright);
@@ -121,6 +125,9 @@ final class Pictures {
         } else {
             final ImageTypeSpecifier type = reader.getImageTypes(0).next();
             final SampleModel samples = type.getSampleModel(width, height);
+            if (samples.getNumBands() == RGB_BANDS.length) {
+                param.setSourceBands(RGB_BANDS); // or JPEG's would go through the profile to sRGB
+            }
             param.setDestination(upright.asImage(type.getColorModel(), samples));
             reader.read(0, param);
         }

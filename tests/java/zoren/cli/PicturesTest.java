@@ -104,7 +104,7 @@ class PicturesTest extends CliTest {
         image.createGraphics().fillRect(0, 0, 16, 16);
         save(image, "turned.jpg");
         save(image, "turned.png");
-        final String entry = "0001" + "0112000300000001000" + orientation + "0000" + "00000000";
+        final String entry = "0001" + "0112000300000001000" + orientation + "0000" + "7FFFFFFE"; // no second folder
         final String tiff = "4D4D002A00000008" + entry; // big-endian
         splice("turned.jpg", 2, 0, "FFE10022457869660000" + tiff);
         final int beforeTheEnd = (int) Files.size(file("turned.png")) - 12;
@@ -151,6 +151,8 @@ class PicturesTest extends CliTest {
             assertTrue(ImageIO.write(image, kind, file(kind).toFile()));
             assertEquals("FFFF0000", lastPixel(kind), kind);
         }
+        final byte[] littleEndian = Arrays.copyOf(new byte[] {'I', 'I', 42}, Format.HEAD_BYTES);
+        assertEquals(Format.TIFF, Format.of(littleEndian)); // the writer's is big-endian
         Files.write(file("webp"), HexFormat.of().parseHex(lossless));
         assertEquals("FFFF0000", lastPixel("webp"));
         final WritableRaster cmyk =
@@ -172,7 +174,7 @@ class PicturesTest extends CliTest {
                 new DeflaterInputStream(new ByteArrayInputStream(profile)).readAllBytes();
         final String exif = // Make, orientation 6
                 "4D4D002A000000080002010F00020000000441636D00011200030000000100060000" + "00000000";
-        save(filled(3, 2, TYPE_INT_RGB, 0x102030), "a.png");
+        save(filled(3, 2, TYPE_INT_RGB, 0x404040), "a.png");
         final String chunks =
                 chunk("eXIf", exif) + chunk("pHYs", "00002E230000171201")
                         + chunk("iCCP", "780000" + HexFormat.of().formatHex(zipped))
@@ -191,6 +193,8 @@ class PicturesTest extends CliTest {
             assertTrue(notes.contains(across) && notes.contains(down), notes);
             assertEquals(names[1].equals("b.png"), notes.contains("Image Gamma - 0.44"), notes);
             assertEquals(2, ImageIO.read(file(names[1]).toFile()).getWidth());
+            run("gray ./" + names[1]);
+            assertTrue(out.startsWith("64\t"), "samples are as they were: " + out);
             final String stripped = "stripped_" + names[1];
             assertEquals(0, run("blur -r 0 --strip ./" + names[0] + " ./" + stripped), err);
             assertFalse(notes(stripped).matches("(?s).*(ICC Profile|Gamma|PNG-pHYs|150 dots).*"));
