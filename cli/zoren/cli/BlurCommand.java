@@ -161,9 +161,14 @@ final class BlurCommand implements Callable<Integer> {
             throw new Failure(folder, "is a file, but several pictures need a folder");
         }
         final Inputs inputs = Inputs.of(paths, work.recursive, folder);
-        WholeFile.makeFolder(folder);
+        final Set<Object> read = inputs.fileKeys();
+        if (!read.isEmpty()) {
+            WholeFile.makeFolder(folder);
+        }
         for (final Path path : paths) {
-            if (Files.isDirectory(path) && Files.isSameFile(path, folder)) {
+            if (Files.isDirectory(path)
+                    && Files.exists(folder)
+                    && Files.isSameFile(path, folder)) {
                 throw new Failure(folder, "is the folder that is read; name another one");
             }
         }
@@ -173,7 +178,7 @@ final class BlurCommand implements Callable<Integer> {
         for (final Inputs.Input input : inputs.list) {
             final Path to = input.source == null ? null : outputOf(input, folder);
             final boolean again = to != null && !outputs.add(to);
-            tasks.add(() -> blurListed(input, to, again));
+            tasks.add(() -> blurListed(input, to, again, read));
         }
         final PrintWriter err = spec.commandLine().getErr();
         final ProgressBar progress = new ProgressBar(err, tasks.size());
@@ -206,7 +211,7 @@ final class BlurCommand implements Callable<Integer> {
     }
 
     /** Returns the failure, or null, and the remark, or null. */
-    private String[] blurListed(Inputs.Input input, Path to, boolean again) {
+    private String[] blurListed(Inputs.Input input, Path to, boolean again, Set<Object> read) {
         try {
             if (input.failure != null) {
                 throw input.failure;
@@ -214,7 +219,7 @@ final class BlurCommand implements Callable<Integer> {
             if (again) {
                 throw new Failure(input.path, "another input was written to " + Names.shown(to));
             }
-            if (input.source.isSameFile(to)) {
+            if (Files.exists(to) && read.contains(Source.fileKey(to))) {
                 throw new Failure(to, "is a picture that is read; name another folder");
             }
             WholeFile.makeFolder(to.getParent());

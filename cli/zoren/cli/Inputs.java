@@ -7,6 +7,7 @@ import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
 import java.util.Map;
+import java.util.Set;
 import java.util.TreeMap;
 import java.util.stream.Collectors;
 import java.util.stream.Stream;
@@ -49,10 +50,21 @@ final class Inputs {
             }
             inputs.addFolder(path, path);
             if (inputs.list.size() == before) {
-                throw new Failure(path, "holds no picture" + inputs.reasons());
+                if (paths.size() == 1) {
+                    throw new Failure(path, "holds no picture" + inputs.reasons());
+                }
+                inputs.fail(path, new Failure(path, "holds no picture"));
             }
         }
         return inputs;
+    }
+
+    /** Returns what tells the files that are read from all others. */
+    Set<Object> fileKeys() {
+        return list.stream()
+                .filter(input -> input.source != null)
+                .map(input -> input.source.fileKey)
+                .collect(Collectors.toSet());
     }
 
     /** Tells whether something in a folder was passed over. */
@@ -78,14 +90,14 @@ final class Inputs {
                         + ")";
     }
 
-    private void addFolder(Path top, Path folder) throws Failure {
-        final List<Path> entries;
+    private void addFolder(Path top, Path folder) {
+        List<Path> entries = List.of();
         try (Stream<Path> all = Files.list(folder)) {
             entries = all.sorted().collect(Collectors.toList());
         } catch (IOException | UncheckedIOException e) { // the latter after some entries
             final Throwable cause = e instanceof IOException ? e : e.getCause();
-            throw new Failure(
-                    "cannot list " + new Failure(folder, (IOException) cause).getMessage());
+            final String reason = new Failure(folder, (IOException) cause).getMessage();
+            fail(folder, new Failure("cannot list " + reason));
         }
         for (final Path entry : entries) {
             if (Files.isRegularFile(entry)) {
@@ -96,7 +108,7 @@ final class Inputs {
                 skip("in folders, see --recursive");
             } else if (Files.isSymbolicLink(entry)) { // may lead back
                 skip("a link to a folder");
-            } else if (!entry.equals(leftOut)) {
+            } else if (!isLeftOut(entry)) {
                 addFolder(top, entry);
             }
         }
@@ -109,8 +121,20 @@ final class Inputs {
             if (listed && e instanceof Source.NoPicture && Format.ofName(path) == null) {
                 skip("not pictures");
             } else {
-                list.add(new Input(path, name, null, e));
+                fail(path, e);
             }
+        }
+    }
+
+    private void fail(Path path, Failure failure) {
+        list.add(new Input(path, null, null, failure));
+    }
+
+    private boolean isLeftOut(Path folder) {
+        try {
+            return leftOut != null && Files.isSameFile(folder, leftOut);
+        } catch (IOException e) {
+            return false; // one of them is not there
         }
     }
 

@@ -10,6 +10,7 @@ import java.nio.ByteBuffer;
 import java.nio.channels.SeekableByteChannel;
 import java.nio.file.Files;
 import java.nio.file.Path;
+import java.nio.file.attribute.BasicFileAttributes;
 import java.util.Set;
 import javax.imageio.stream.ImageInputStream;
 import javax.imageio.stream.ImageInputStreamImpl;
@@ -21,11 +22,13 @@ final class Source {
 
     final String name;
     final Format format;
+    final Object fileKey; // null for a pipe
     private final Path path; // null for a pipe
     private final byte[] content; // null for a file
 
-    private Source(String name, Format format, Path path, byte[] content) {
+    private Source(String name, Format format, Object fileKey, Path path, byte[] content) {
         this.name = name;
+        this.fileKey = fileKey;
         this.format = format;
         this.path = path;
         this.content = content;
@@ -51,10 +54,11 @@ final class Source {
                 throw new NoPicture(path);
             }
             return file
-                    ? new Source(Names.shown(path), format, path, null)
+                    ? new Source(Names.shown(path), format, fileKey(path), path, null)
                     : new Source(
                             Names.shown(path),
                             format,
+                            null,
                             null,
                             new SequenceInputStream(new ByteArrayInputStream(head), in)
                                     .readAllBytes());
@@ -65,9 +69,9 @@ final class Source {
         }
     }
 
-    /** Tells whether writing to the path would replace what is read. */
-    boolean isSameFile(Path other) throws IOException {
-        return path != null && Files.exists(other) && Files.isSameFile(path, other);
+    /** Returns what tells a file from all others, whatever its names. */
+    static Object fileKey(Path file) throws IOException {
+        return Files.readAttributes(file, BasicFileAttributes.class).fileKey();
     }
 
     ImageInputStream open() throws IOException {

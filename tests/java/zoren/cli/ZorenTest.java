@@ -59,10 +59,11 @@ class ZorenTest extends CliTest {
         final String no = ": is not a picture (PNG, JPEG, WebP, GIF, BMP or TIFF)\n";
         final String failed = at("zoren: ./in/a.png" + no);
         final String closing =
-                "zoren: 1 blurred, 2 failed, 4 skipped (2 in folders, see --recursive, 2 not"
+                "zoren: 1 blurred, 3 failed, 4 skipped (2 in folders, see --recursive, 2 not"
                         + " pictures)\n";
-        assertEquals(1, run("blur ./in ./new/out --radius=2"));
-        assertEquals(failed + at("zoren: ./in/c.JpeG" + no) + closing, err);
+        assertEquals(1, run("blur ./in ./empty ./new/out --radius=2"));
+        final String none = at("zoren: ./in/c.JpeG" + no + "zoren: ./empty: holds no picture\n");
+        assertEquals(failed + none + closing, err);
         assertEquals(Set.of("b.PNG"), names("new/out"));
         assertEquals(0xFF102030, load("new/out/b.PNG")[15]);
         System.setProperty("zoren.terminal", "true");
@@ -72,7 +73,8 @@ class ZorenTest extends CliTest {
         assertTrue(err.contains(failed + "\r[#######" + ".".repeat(23) + "] 1/4"), err);
         assertTrue(err.contains("#######] 4/4\r\033[Kzoren: 2 blurred, 2 failed, 2 skipped"), err);
         assertEquals(Set.of("b.PNG", "sub"), names("in/out"));
-        run("blur ./in ./in/out -r2 -R"); // its own results are no inputs
+        Files.createSymbolicLink(file("here"), file("in"));
+        run("blur ./in ./here/out -r2 -R"); // its own results are no inputs
         assertTrue(err.contains("zoren: 2 blurred, 2 failed"), err);
         assertEquals(Set.of("f.png"), names("in/out/sub"));
         fails("blur ./empty ./made --radius 1", "./empty: holds no picture");
@@ -102,8 +104,11 @@ class ZorenTest extends CliTest {
         assertEquals(1, run("blur -r 1 -j " + jobs + " -o ./made/here" + inputs));
         assertEquals(at(errors + "zoren: 13 blurred, 7 failed\n"), err);
         assertEquals(13, names("made/here").size());
-        assertEquals(1, run("blur -r 1 ./0.png -o ./"));
-        assertTrue(err.contains(at("./0.png: is a picture that is read")), err);
+        Files.copy(file("0.png"), file("again"));
+        Files.createLink(file("again.png"), file("0.png"));
+        assertEquals(1, run("blur -r 1 ./again ./0.png -o ./ -f png"));
+        final String read = ".png: is a picture that is read; name another folder\nzoren: ";
+        assertEquals(at("zoren: ./again" + read + "./0" + read + "0 blurred, 2 failed\n"), err);
         assertEquals(1, run("blur -r 1 ./0.png ./made/here/0.png ./2.png ./made"));
         assertEquals(
                 at("zoren: ./made/here/0.png: another input was written to ./made/0.png\n"
