@@ -60,6 +60,7 @@ expect 0 "zoren: 2 blurred" blur -r 1 $'\xff\xfe.jpg' p made/folder
 [[ -s made/folder/$'\xff\xfe.jpg' && -s made/folder/p.jpg ]]
 input=p
 expect 0 $'[0-9]*\t-' gray -
+expect 0 $'*\tp' ZOREN_JAVA="java -Xmx96m" cast --explain {p,p,p,p,p,p,p,p}
 expect 0 $'\x89PNG*' blur -r 1 --format=png - -
 expect 0 $'\xff\xd8\xff*' blur -r 1 - /dev/stdout
 input=/dev/zero

@@ -73,7 +73,8 @@ final class CastCommand extends MeasureCommand {
             public String details() {
                 return shares == null
                         ? ""
-                        : shares.lines(Boolean.getBoolean("zoren.output-terminal"));
+                        : shares.lines(
+                                text == null, Boolean.getBoolean("zoren.output-terminal"));
             }
 
             @Override

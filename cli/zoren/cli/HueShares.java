@@ -23,8 +23,6 @@ final class HueShares {
     private static final int ORANGE = 0xFFFF9500; // hue 35, in bin 2
     private static final int BAR = 40; // the longest, in characters
 
-    private final byte[] binOf = new byte[1 << 24]; // by colour, plus 1 for "not coloured", 2 a bin
-    private final Bitmap probe = Bitmap.createBitmap(2, 2, Bitmap.Config.ARGB_8888);
     private final int[] bins = new int[SPANS]; // pixels by hue, 15 degrees each
     private final int pixels;
     private int coloured;
@@ -32,12 +30,18 @@ final class HueShares {
     private int runnerUp = 1;
 
     HueShares(Bitmap bitmap) {
+        final Bitmap probe = Bitmap.createBitmap(2, 2, Bitmap.Config.ARGB_8888);
+        final byte[] known = new byte[1 << 24]; // by colour: its bin plus 2, 1 for "not coloured"
         final int[] row = new int[bitmap.getWidth()];
         pixels = row.length * bitmap.getHeight();
         for (int y = 0; y < bitmap.getHeight(); ++y) {
             bitmap.getPixels(row, 0, row.length, 0, y, row.length, 1);
             for (final int color : row) {
-                final int bin = binOf(color);
+                final int rgb = color & 0xFFFFFF;
+                if (known[rgb] == 0) {
+                    known[rgb] = (byte) (ask(color, probe) + 2);
+                }
+                final int bin = known[rgb] - 2;
                 if (bin != NONE) {
                     ++bins[bin];
                     ++coloured;
@@ -57,8 +61,8 @@ final class HueShares {
         }
     }
 
-    /** Returns the explanation, lines that begin with a blank. */
-    String lines(boolean histogram) {
+    /** Returns the explanation, lines that begin with a blank. A cast may read {@code white}. */
+    String lines(boolean white, boolean histogram) {
         final StringBuilder lines = new StringBuilder();
         lines.append(
                 String.format(Locale.ROOT, "  coloured: %.2f %% of the pixels%n", 100 * share()));
@@ -66,7 +70,8 @@ final class HueShares {
             lines.append(span("leading span", leader)).append(span("runner-up", runnerUp));
         }
         final String refusal = refusal();
-        lines.append("  ").append(refusal == null ? "a cast" : "none: " + refusal).append('\n');
+        final String cast = white ? "a cast, but in white, which reads as none" : "a cast";
+        lines.append("  ").append(refusal == null ? cast : "none: " + refusal).append('\n');
         final int most = Arrays.stream(bins).max().getAsInt();
         for (int bin = 0; histogram && most > 0 && bin < SPANS; ++bin) {
             final int length = (int) Math.ceil((double) BAR * bins[bin] / most);
@@ -124,24 +129,16 @@ final class HueShares {
         return bins[k] + bins[(k + 1) % SPANS];
     }
 
-    private int binOf(int color) {
-        final int rgb = color & 0xFFFFFF;
-        if (binOf[rgb] == 0) {
-            binOf[rgb] = (byte) (ask(color) + 2);
-        }
-        return binOf[rgb] - 2;
-    }
-
     /** Returns which 15 degrees a colour's hue lies in, or NONE where it is not coloured. */
-    private int ask(int color) {
-        final int end = askForSpan(color, color);
+    private static int ask(int color, Bitmap probe) {
+        final int end = askForSpan(color, color, probe);
         // A colour fills two spans, and of two full ones the first counts. Its middle is where the
         // colour's bin begins, save that bin 0 fills the last span and the first, as bin 1 does.
-        return end == 1 && askForSpan(color, ORANGE) == 1 ? 0 : end;
+        return end == 1 && askForSpan(color, ORANGE, probe) == 1 ? 0 : end;
     }
 
     /** Returns the middle of the leading span of a picture, in units of 15 degrees, or NONE. */
-    private int askForSpan(int color, int corner) {
+    private static int askForSpan(int color, int corner, Bitmap probe) {
         probe.setPixels(new int[] {color, color, color, corner}, 0, 2, 0, 0, 2, 2);
         final int cast = BitmapGrayUtil.getBitmapColorCast(probe, 100, 100);
         if (cast == NONE) {

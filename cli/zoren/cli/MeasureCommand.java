@@ -126,6 +126,11 @@ abstract class MeasureCommand implements Callable<Integer> {
             }
         } catch (Failure e) {
             return new Result(input.path, null, e.getMessage());
+        } catch (OutOfMemoryError e) {
+            return new Result(
+                    input.path,
+                    null,
+                    Names.shown(input.path) + ": is too large for the memory there is");
         }
     }
 

@@ -1,7 +1,8 @@
 package zoren.cli;
 
-import java.util.ArrayList;
+import java.util.ArrayDeque;
 import java.util.List;
+import java.util.Queue;
 import java.util.concurrent.Callable;
 import java.util.concurrent.ExecutionException;
 import java.util.concurrent.ExecutorService;
@@ -21,13 +22,16 @@ final class Workers {
         final ExecutorService threads =
                 Executors.newFixedThreadPool(Math.min(jobs, Math.max(1, tasks.size())));
         try {
-            final List<Future<T>> results = new ArrayList<>();
+            final Queue<Future<T>> results = new ArrayDeque<>();
             tasks.forEach(task -> results.add(threads.submit(task)));
-            for (final Future<T> result : results) {
-                taker.take(result.get());
+            while (!results.isEmpty()) { // what is handed on need not stay in memory
+                taker.take(results.remove().get());
             }
         } catch (ExecutionException e) {
-            throw e.getCause() instanceof Exception ? (Exception) e.getCause() : e;
+            if (e.getCause() instanceof Error) {
+                throw (Error) e.getCause();
+            }
+            throw (Exception) e.getCause();
         } finally {
             threads.shutdownNow();
         }
