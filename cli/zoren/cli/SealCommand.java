@@ -60,7 +60,7 @@ final class SealCommand implements Callable<Integer> {
             description = "The text to encrypt; - is standard input.")
     private Path input;
 
-    @Parameters(index = "1", paramLabel = "OUTPUT", description = "The file to write.")
+    @Parameters(index = "1", paramLabel = "OUTPUT", description = "The file to write; - is standard output.")
     private Path output;
 
     @Option(
@@ -80,6 +80,13 @@ final class SealCommand implements Callable<Integer> {
         if (sealed.length > MAX_SEALED_BYTES) {
             throw new Failure(input, "is too large: sealed it would exceed 16 MiB");
         }
+        if (output.toString().equals(Source.STANDARD)) {
+            System.out.write(sealed);
+            if (System.out.checkError()) {
+                throw new Failure("standard output cannot be written");
+            }
+            return 0;
+        }
         if (output.getParent() != null) {
             WholeFile.makeFolder(output.getParent());
         }
@@ -87,13 +94,11 @@ final class SealCommand implements Callable<Integer> {
                 WholeFile.write(
                         output,
                         mode == null ? WholeFile.OWNER_ONLY : mode,
+                        mode != null,
                         out -> out.write(sealed));
         final PrintWriter err = spec.commandLine().getErr();
         if (remark != null) {
             Zoren.report(err, remark);
-        }
-        if (mode != null) {
-            Files.setPosixFilePermissions(output, mode); // whatever the mask, or what was replaced
         }
         final Set<PosixFilePermission> given = Files.getPosixFilePermissions(output);
         if (mode == null && !WholeFile.OWNER_ONLY.containsAll(given)) {

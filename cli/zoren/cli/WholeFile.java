@@ -62,9 +62,17 @@ final class WholeFile {
      * any other link is refused, and one to nothing.
      *
      * <p>A file that is replaced passes its permissions, owner and group on; a new one gets {@code
-     * permissions}. Returns a line if the owner or group could not be kept, or null.
+     * permissions}, less the process's mask. Returns a line if the owner or group could not be
+     * kept, or null.
      */
     static String write(Path target, Set<PosixFilePermission> permissions, Writer writer)
+            throws Failure {
+        return write(target, permissions, false, writer);
+    }
+
+    /** The same; with {@code exactly}, just these permissions whatever was replaced or the mask. */
+    static String write(
+            Path target, Set<PosixFilePermission> permissions, boolean exactly, Writer writer)
             throws Failure {
         Path temporary = null;
         try {
@@ -90,7 +98,9 @@ final class WholeFile {
             try (OutputStream out = createOwn(name, exists ? OWNER_ONLY : permissions)) {
                 temporary = name;
                 if (exists) {
-                    remark = takeOver(target, file, temporary);
+                    remark = takeOver(target, file, temporary, exactly ? permissions : null);
+                } else if (exactly) {
+                    Files.setPosixFilePermissions(temporary, permissions);
                 }
                 writer.writeTo(out);
             }
@@ -112,8 +122,10 @@ final class WholeFile {
         }
     }
 
-    /** Gives a file the owner, group and permissions of another one, as far as may be. */
-    private static String takeOver(Path target, Path from, Path to) throws IOException {
+    /** Gives a file another one's owner and group, as far as may be, and permissions, or these. */
+    private static String takeOver(
+            Path target, Path from, Path to, Set<PosixFilePermission> permissions)
+            throws IOException {
         final PosixFileAttributes wanted = Files.readAttributes(from, PosixFileAttributes.class);
         final PosixFileAttributeView view =
                 Files.getFileAttributeView(
@@ -133,7 +145,7 @@ final class WholeFile {
                             + ", because only root can leave it to " + wanted.owner().getName()
                             + " and group " + wanted.group().getName();
         }
-        view.setPermissions(wanted.permissions());
+        view.setPermissions(permissions == null ? wanted.permissions() : permissions);
         return remark;
     }
 
