@@ -39,7 +39,8 @@ install(FILES ${CMAKE_BINARY_DIR}/zoren_runtimeConfig.cmake
 foreach(name PROJECT_VERSION ZOREN_INSTALL_LIBRARY ZOREN_INSTALL_HEADERS)
     install(CODE "set(${name} ${${name}})" COMPONENT development)
 endforeach()
-install(CODE "configure_file(${PROJECT_SOURCE_DIR}/cmake/zoren_runtime.pc.in
+install(CODE "get_filename_component(CMAKE_INSTALL_PREFIX \"\${CMAKE_INSTALL_PREFIX}\" ABSOLUTE)
+configure_file(${PROJECT_SOURCE_DIR}/cmake/zoren_runtime.pc.in
     ${CMAKE_BINARY_DIR}/zoren_runtime.pc @ONLY)" COMPONENT development)
 install(FILES ${CMAKE_BINARY_DIR}/zoren_runtime.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)

@@ -25,7 +25,7 @@ same() { diff <(echo "$1") <(echo "$2"); }
 rm -rf "$work"
 mkdir -p "$work"
 prefix=$work/installed
-cmake --install "$build" --prefix "$prefix" >"$work/install.log"
+(cd "$work" && cmake --install "$build" --prefix installed >install.log)
 cp -r "$prefix"/share/doc/*/examples "$work/examples"
 cd "$work/examples"
 export PKG_CONFIG_PATH=$prefix/lib/pkgconfig
