@@ -17,7 +17,8 @@
 // interleaving store of four vectors brings the columns back to their order.
 //
 // A group of rows may begin in front of the picture or end behind it, where its first or last row
-// repeats. A strip writes the pixels that its right neighbour still needs, so these are kept.
+// repeats. A row is laid out before a band that needs it is written. A strip writes the pixels that
+// its right neighbour still needs, so these are kept.
 //
 // This file alone is compiled for processors with dot products. It calls no inline function of the
 // C++ library's headers that it might share with another file: the linker would take either's.

@@ -34,8 +34,8 @@ constexpr uint32_t kNearComplement = 257;
 
 // How one pass of the blur is computed: which method, over which tables. A plan is made for lines
 // (rows or columns) of one length. All methods are exact: their sums are whole numbers that are
-// right to the last bit, and nothing is rounded before the division. `steps` and `symmetric` hold a
-// plan only if it is to be taken, steps before symmetric taps before taps.
+// right to the last bit, and nothing is rounded before the division. `steps` holds a plan only if
+// it is to be taken; then come symmetric taps, if there is a plan for them, then taps.
 struct PassPlan {
     Divisor divisor;
     TapPlan taps;

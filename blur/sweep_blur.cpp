@@ -19,8 +19,9 @@
 //
 // A row is laid out in planes once. Pairs of neighbouring pixels are multiplied as they lie there,
 // at any address, so that nothing is turned over; then the rows of the tile that share a weight are
-// added, two such sums interleaved, and weighed by one multiply-add. A strip writes the pixels that
-// its right neighbour still needs, so these are kept beside.
+// added, two such sums interleaved, and weighed by one multiply-add. A row is laid out before any
+// band that needs it is written, and never again. A strip writes the pixels that its right
+// neighbour still needs, so these are kept beside.
 
 HWY_BEFORE_NAMESPACE();
 namespace android::HWY_NAMESPACE {
@@ -36,6 +37,7 @@ constexpr size_t kAhead = 4;                      // rows fetched ahead
 constexpr size_t kBlock = kLines;  // pixels of a channel in a vector
 // Beyond it symmetric taps are faster: measured with AVX-512 and AVX2, counted for ARM.
 constexpr int32_t kWidestReach = kTileLines == 16 ? 19 : HWY_ARCH_ARM ? 13 : 9;
+static_assert(kWidestReach <= kWidestSweep && 2 * kWidestReach <= static_cast<int32_t>(kBand));
 
 HWY_INLINE PixelVector quotientOf(const SplitSum& sum, const Divisor& divisor) {
     return divide<true>(sum.whole(), divisor);
@@ -61,7 +63,7 @@ struct Layout {
         blocks = columns / kBlock;
         front = whole(reach, kBlock);
         lineSize = front + columns + whole(reach + 1, kBlock);
-        band = std::min(whole(height, kRows), std::max(kBand, 2 * reach));
+        band = std::min(whole(height, kRows), kBand);
         column =
             ((band + 2 * reach) | 1) * kBlock;  // odd, so that they do not collide in the cache
         channel = blocks * column;

@@ -5,17 +5,12 @@
 #include "blur/plan_support.h"
 
 namespace android {
-namespace {
-
-constexpr int32_t kWidestReach = 19;  // of any instruction set (blur/sweep_blur.cpp)
-
-}  // namespace
 
 bool planSweep(const int32_t* kernel, int32_t size, int32_t norm, int32_t width, int32_t height,
                SweepPlan* plan) {
     const int32_t reach = (size - 1) / 2;
     plan->divisor = divisorOf(norm);
-    if (reach < 1 || reach > kWidestReach || reach >= std::min(width, height) ||
+    if (reach < 1 || reach > kWidestSweep || reach >= std::min(width, height) ||
         plan->divisor.complement > kNearComplement) {
         return true;
     }

@@ -108,7 +108,10 @@ HWY_INLINE size_t entryWords(const PassPlan& plan, size_t length) {
 }
 
 // Blurs tiles side by side, in place (blur/tiles-inl.h). Entry e of the buffers is that of pixel
-// 2 (e - turns) + 1, so that entry 0 is the first that output 0 takes.
+// 2 (e - turns) + 1, so that entry 0 is the first that output 0 takes. Entries not yet made are of
+// pixels `turns` pairs beyond the chunk, or repeat the line's last one, which the last chunk
+// writes; those that repeat the first are all made in the first chunk. So a pixel is taken before
+// it is written.
 template <bool kNear, typename Fetch, typename Deliver>
 HWY_INLINE void blurTiles(const Tiles& tiles, const PassPlan& plan, uint32_t* entries, Fetch fetch,
                           Deliver deliver) {

@@ -10,7 +10,7 @@ namespace android {
 
 // By symmetric taps: the taps i and -i of a Gaussian weigh the same, so the two pixels are added
 // first and multiplied once. With k(i) the weight at distance i, an even output x = 2u and an odd
-// one x = 2u + 1 of a line, and u + t and u - t the numbers of pairs of pixels:
+// one x = 2u + 1 of a line:
 //
 //     even   k(0) p(x) + sum over t of   k(2t+1) (p(x-2t-1) + p(x+2t+1))
 //                                      + k(2t+2) (p(x-2t-2) + p(x+2t+2))
