@@ -23,9 +23,9 @@ run_tests() {
         echo "no test tells the instruction sets it tried: a failure"
         failed=$((failed + 1))
     fi
-    [ "$tried" != none ] || tried="only the one the library chose"
     # What one program of the build lacks, another may have tried, emulating another processor.
     lacking=$(comm -13 <(tr ' ' '\n' <<<"$tried") <(tr ' ' '\n' <<<"$lacking") | xargs)
+    [ "$tried" != none ] || tried="only the one the library chose"
     instruction_sets+=("Instruction sets tried in ${build##*/}: ${tried:-unknown}; this processor lacks: ${lacking:-none}")
 }
 

@@ -42,6 +42,7 @@ expect '1 1' "$all" "$targets" 'echo "1 checks passed, 0 failed"'
 one='echo "1 checks passed, 0 failed"'
 expect '2 0' 'tried in build: AVX2 AVX3_DL SSE4; this processor lacks: none' "$targets; $one" \
     "${targets//AVX2 SSE4/AVX3_DL}; $one"
+expect '1 0' 'tried in build: only the one the library chose;' "${targets//AVX2 SSE4/none}; $one"
 expect '1 1' 'tried in build: unknown' "$one"
 expect '0 1' ''
 echo "$checks checks passed, 0 failed"
