@@ -19,6 +19,7 @@ printf '%s 0x0 7 0 %s\n' "2 lo" "1 2 3 4" "3 --device-root" "5 6 7 8" \
 for name in -p.png @p p; do cp "$samples/photo.jpg" ./$name; done
 
 mkfifo pipe/system/etc/jpsp
+mkdir -p zero/system/etc && ln -s /dev/zero zero/system/etc/jpsp
 cp "$zoren" a:b/bin
 cp p $'\xff\xfe.jpg'
 
@@ -54,6 +55,7 @@ expect 1 "zoren: *" ZOREN_LOG_FILE=log config --device-root bin
 expect 1 "[!z]*" ZOREN_LOG_FILE= config --device-root bin
 expect 1 "zoren: *" config --device-root bin
 expect 1 "zoren: pipe/system/etc/jpsp: is not a regular file" config --device-root pipe
+expect 1 "zoren: zero/system/etc/jpsp: is not a regular file" config --device-root zero
 expect 0 $'[0-9]*\t\\\\xff\\\\xfe.jpg' gray $'\xff\xfe.jpg'
 expect 1 "zoren: \\\\xfe\\\\x1b[[]2J: no such file" gray $'\xfe\e[2J'
 expect 0 "zoren: 2 blurred" blur -r 1 $'\xff\xfe.jpg' p made/folder
@@ -79,6 +81,8 @@ for step in "large large.png" "large.png large.jpg" "large.jpg copy.jpg"; do
     expect 0 "" ZOREN_JAVA="$java" blur -r 0 $step
 done
 expect 0 $'12[78]\tcopy.jpg' gray copy.jpg
+expect 0 "" blur -r 0 -q 10 copy.jpg small.jpg
+(($(stat -c %s small.jpg) < $(stat -c %s copy.jpg)))
 expect 1 "zoren: large.png: 4000 x 3000 pixels are more*" gray --max-pixels=11999999 large.png
 if [[ -f ${zoren%/*/*}/lib/zoren.jsa ]]; then # it is not there with sanitizers
     expect 0 "zoren*" ZOREN_JAVA="java -Xlog:class+load:file=loaded" --version

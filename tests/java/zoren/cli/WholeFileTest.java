@@ -88,6 +88,9 @@ class WholeFileTest extends CliTest {
         }
         fails("seal ./in.xml ./target", "is a symbolic link of another user");
         assertEquals("as it was", Files.readString(file("old")));
+        Files.setAttribute(file("old"), "unix:uid", 65534);
+        assertEquals(0, run("seal ./in.xml ./old"), err);
+        assertEquals(65534, Files.getAttribute(file("old"), "unix:uid"), "keeps its owner");
     }
 
     /** Whoever may write to the folder can lay a link where the temporary file will be. */

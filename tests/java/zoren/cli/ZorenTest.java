@@ -132,6 +132,12 @@ class ZorenTest extends CliTest {
             assertTrue(out.contains(rule == 3 ? "leading span: 80.00 %" : rules[rule]), out);
             assertTrue(out.contains("coloured: " + (rule == 0 ? "4.00" : "20.00") + " %"), out);
         }
+        System.setProperty("zoren.output-terminal", "true");
+        run("cast --explain ./a.png");
+        System.clearProperty("zoren.output-terminal");
+        assertTrue(out.contains("  120|" + "#".repeat(40) + "\n"), out);
+        run("cast -s0 --explain ./a.png");
+        assertTrue(out.startsWith("none\t") && out.contains("in white, which reads as none"), out);
         run("cast --explain --json ./a.png");
         assertTrue(out.contains("\"leading\":16") && out.contains("\"runnerUp\":16"), out);
     }
